@@ -1,0 +1,1 @@
+namespace mirabend { int shellPlaceholder() { return 0; } }
