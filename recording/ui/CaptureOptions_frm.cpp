@@ -73,6 +73,9 @@ void CaptureOptions_frm::setDevices()
     m_devices->chkUseVideoComp_Click();
     m_devices->chkuseAudioComp->setChecked(true);
     m_devices->chkuseAudioComp_Click();
+    // Filling the style list switched colour fields on; the overlay fields
+    // follow the master switch until the user turns it on.
+    m_overlay->chkuseoverlay_Click();
 }
 
 void CaptureOptions_frm::setDefaultArea(int width, int height)

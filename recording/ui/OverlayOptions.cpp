@@ -195,9 +195,6 @@ OverlayOptions::OverlayOptions(RecorderControl& recorder, Prompts& prompts, QWid
     onClick(Command4, &OverlayOptions::Command4_Click);
     onClick(cmdimagetrancolor, &OverlayOptions::cmdimagetrancolor_Click);
     onClick(cmddrawimage, &OverlayOptions::cmddrawimage_Click);
-
-    // Nothing is drawn until the master switch is on.
-    chkuseoverlay_Click();
 }
 
 QList<QWidget*> OverlayOptions::overlayFields() const

@@ -19,7 +19,7 @@ namespace mirabend {
 // Container of the next capture, as the session numbers them.
 enum class RecorderFormat { Avi = 0, Wmv = 1, Swf = 2, Flv = 3, Mp4 = 4, Mkv = 5 };
 
-enum class RecorderError {
+enum class RecordingError {
     None,
     StartRefused,   // the capture could not be started (device, codec, file)
     DiskFull,       // writing the output file ran out of space
@@ -27,7 +27,7 @@ enum class RecorderError {
     WriteFailed,    // any other failure while encoding or writing
 };
 
-using RecorderFailure = Failure<RecorderError>;
+using RecordingFailure = Failure<RecordingError>;
 
 class RecorderControl {
 public:
@@ -87,7 +87,7 @@ public:
     virtual void PauseCapture() = 0;
     virtual void ResumeCapture() = 0;
     // The first failure of the current (or last) capture; None while all is well.
-    virtual RecorderFailure failure() const = 0;
+    virtual RecordingFailure failure() const = 0;
 
     // --- Devices and screen --------------------------------------------------------------------------
     virtual QStringList audioDevices() const = 0;

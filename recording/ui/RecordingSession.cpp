@@ -192,9 +192,9 @@ void RecordingSession::wait_Timer_Timer()
 {
     wait_Timer->stop();
     if (!m_recorder.StartCapture()) {
-        RecorderFailure failure = m_recorder.failure();
+        RecordingFailure failure = m_recorder.failure();
         if (!failure)
-            failure = RecorderFailure(RecorderError::StartRefused);
+            failure = RecordingFailure(RecordingError::StartRefused);
         failRecording(failure);
         return;
     }
@@ -206,7 +206,7 @@ void RecordingSession::wait_Timer_Timer()
 
 void RecordingSession::Timer2_Timer()
 {
-    if (const RecorderFailure failure = m_recorder.failure()) {
+    if (const RecordingFailure failure = m_recorder.failure()) {
         failRecording(failure);
         return;
     }
@@ -245,7 +245,7 @@ void RecordingSession::ResumeRec()
     // Deliberately not back into the top-most band.
     if (m_captureRunning) {
         setState(State::Recording);
-        if (const RecorderFailure failure = m_recorder.failure())
+        if (const RecordingFailure failure = m_recorder.failure())
             failRecording(failure);
     }
 }
@@ -263,7 +263,7 @@ void RecordingSession::StopRec()
     setState(State::Stopped);
 }
 
-void RecordingSession::failRecording(RecorderFailure failure)
+void RecordingSession::failRecording(RecordingFailure failure)
 {
     // Stopping closes the file, so what was recorded so far stays playable.
     StopRec();
@@ -277,21 +277,21 @@ void RecordingSession::failRecording(RecorderFailure failure)
     m_prompts.show(failureText(failure), text(options::kMessageTitle), PromptIcon::Critical);
 }
 
-QString RecordingSession::failureText(const RecorderFailure& failure)
+QString RecordingSession::failureText(const RecordingFailure& failure)
 {
     QString text;
     switch (failure.code) {
-    case RecorderError::StartRefused: text = QStringLiteral("The recording could not be started."); break;
-    case RecorderError::DiskFull:
+    case RecordingError::StartRefused: text = QStringLiteral("The recording could not be started."); break;
+    case RecordingError::DiskFull:
         text = QStringLiteral("The disk is full. The recording was stopped; the file holds everything "
                               "recorded up to this moment.");
         break;
-    case RecorderError::AudioSourceLost:
+    case RecordingError::AudioSourceLost:
         text = QStringLiteral("The sound source is no longer available. The recording was stopped; the "
                               "file holds everything recorded up to this moment.");
         break;
-    case RecorderError::WriteFailed:
-    case RecorderError::None:
+    case RecordingError::WriteFailed:
+    case RecordingError::None:
         text = QStringLiteral("The recording failed and was stopped; the file holds everything recorded "
                               "up to this moment.");
         break;

@@ -77,8 +77,8 @@ private:
     void setState(State state);
     // Stops a capture that failed, puts the main window back into its
     // stopped look and tells the user once.
-    void failRecording(RecorderFailure failure);
-    static QString failureText(const RecorderFailure& failure);
+    void failRecording(RecordingFailure failure);
+    static QString failureText(const RecordingFailure& failure);
 
     RecordingHost& m_host;
     RecorderControl& m_recorder;

@@ -4,6 +4,7 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavutil/buffer.h>
 #include <libavutil/hwcontext.h>
+#include <libavutil/log.h>
 }
 
 #include <algorithm>
@@ -78,6 +79,9 @@ std::vector<HardwareEncoder> hardwareEncoders()
 {
     std::vector<HardwareEncoder> result;
     std::map<std::string, bool> devices;
+    // Opening a device that is not there is the normal case; keep libav quiet.
+    const int logLevel = av_log_get_level();
+    av_log_set_level(AV_LOG_QUIET);
     void* state = nullptr;
     while (const AVCodec* codec = av_codec_iterate(&state)) {
         if (!av_codec_is_encoder(codec) || codec->type != AVMEDIA_TYPE_VIDEO || !isHardware(codec))
@@ -89,6 +93,7 @@ std::vector<HardwareEncoder> hardwareEncoders()
         encoder.available = deviceOpens(encoder.device, devices);
         result.push_back(std::move(encoder));
     }
+    av_log_set_level(logLevel);
     std::sort(result.begin(), result.end(),
               [](const HardwareEncoder& a, const HardwareEncoder& b) { return a.name < b.name; });
     return result;
