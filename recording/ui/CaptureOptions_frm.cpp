@@ -96,8 +96,8 @@ void CaptureOptions_frm::StartRec() { m_session->StartRec(); }
 void CaptureOptions_frm::PauseRec() { m_session->PauseRec(); }
 void CaptureOptions_frm::ResumeRec() { m_session->ResumeRec(); }
 void CaptureOptions_frm::StopRec() { m_session->StopRec(); }
-bool CaptureOptions_frm::StartRecPreTo(const QString& file) { return m_session->StartRecPreTo(file); }
-bool CaptureOptions_frm::StartRecTo(const QString& file) { return m_session->StartRecTo(file); }
+StartToFailure CaptureOptions_frm::StartRecPreTo(const QString& file) { return m_session->StartRecPreTo(file); }
+StartToFailure CaptureOptions_frm::StartRecTo(const QString& file) { return m_session->StartRecTo(file); }
 
 // OK and Cancel do the same: every choice already took effect.
 void CaptureOptions_frm::Command1_Click() { hide(); }

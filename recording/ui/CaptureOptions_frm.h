@@ -7,6 +7,8 @@
 //
 // Thread contract: UI thread only.
 
+#include "recording/ui/RecordingSession.h"
+
 #include <QDialog>
 
 class QPushButton;
@@ -21,7 +23,6 @@ class OverlayOptions;
 class Prompts;
 class RecorderControl;
 class RecordingHost;
-class RecordingSession;
 
 class CaptureOptions_frm : public QDialog {
     Q_OBJECT
@@ -46,9 +47,8 @@ public:
     void ResumeRec();
     void StopRec();
     // Without the save dialog: the container follows the file's extension.
-    // False for an extension no format records.
-    bool StartRecPreTo(const QString& file);
-    bool StartRecTo(const QString& file);
+    StartToFailure StartRecPreTo(const QString& file);
+    StartToFailure StartRecTo(const QString& file);
 
     void Command1_Click();
     void Command2_Click();

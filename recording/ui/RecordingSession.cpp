@@ -104,13 +104,27 @@ void RecordingSession::StartRecPre()
     setState(State::WarmUp);
 }
 
-bool RecordingSession::StartRecPreTo(const QString& file)
+StartToFailure RecordingSession::StartRecPreTo(const QString& file)
 {
     if (options::filterIndexForFile(file) == 0)
-        return false;
+        return {StartToError::UnknownFormat, file.toStdString()};
+    if (m_state == State::WarmUp || m_state == State::AwaitingStart || m_state == State::Recording ||
+        m_state == State::Paused)
+        return {StartToError::Busy, {}};
     m_pendingTarget = file;
     StartRecPre();
-    return true;
+    return {};
+}
+
+QString RecordingSession::startToText(const StartToFailure& failure, const QString& file)
+{
+    switch (failure.code) {
+    case StartToError::None: return {};
+    case StartToError::UnknownFormat:
+        return QStringLiteral("no format records \"%1\"; use .wmv, .avi, .flv, .swf, .mp4 or .mkv").arg(file);
+    case StartToError::Busy: return QStringLiteral("a recording is already under way");
+    }
+    return {};
 }
 
 void RecordingSession::pre_Timer_Timer()
@@ -124,13 +138,15 @@ void RecordingSession::pre_Timer_Timer()
     m_host.setText4(QStringLiteral("run"));
 }
 
-bool RecordingSession::StartRecTo(const QString& file)
+StartToFailure RecordingSession::StartRecTo(const QString& file)
 {
     if (options::filterIndexForFile(file) == 0)
-        return false;
+        return {StartToError::UnknownFormat, file.toStdString()};
+    if (m_state == State::AwaitingStart || m_state == State::Recording || m_state == State::Paused)
+        return {StartToError::Busy, {}};
     m_pendingTarget = file;
     StartRec();
-    return true;
+    return {};
 }
 
 void RecordingSession::StartRec()

@@ -28,6 +28,14 @@ class FormatOptions;
 class Prompts;
 class RecordingHost;
 
+// Why a recording to a given file did not start.
+enum class StartToError {
+    None,
+    UnknownFormat, // no format records this file's extension
+    Busy,          // a recording is already warming up, running or paused
+};
+using StartToFailure = Failure<StartToError>;
+
 class RecordingSession : public QObject {
     Q_OBJECT
 public:
@@ -43,10 +51,13 @@ public:
     void StopRec();
 
     // The same as StartRecPre / StartRec, but recording to `file` without
-    // the save dialog, the container chosen by the file's extension. False
-    // (and nothing started) when no format records that extension.
-    bool StartRecPreTo(const QString& file);
-    bool StartRecTo(const QString& file);
+    // the save dialog, the container chosen by the file's extension. Unlike
+    // the toolbar's operations these check the state: nothing starts while
+    // another recording is under way.
+    StartToFailure StartRecPreTo(const QString& file);
+    StartToFailure StartRecTo(const QString& file);
+    // The words for a StartToFailure, for a remote caller.
+    static QString startToText(const StartToFailure& failure, const QString& file);
 
     // Timer handlers; public so a test can drive the session tick by tick.
     void pre_Timer_Timer();

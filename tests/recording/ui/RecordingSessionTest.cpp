@@ -267,19 +267,26 @@ TEST_F(Session, FailureDuringAPauseIsReportedOnResume)
 
 TEST_F(Session, RecordingToAGivenFileSkipsTheDialog)
 {
-    EXPECT_FALSE(form->StartRecTo("/tmp/talk.mov"));
+    EXPECT_EQ(form->StartRecTo("/tmp/talk.mov").code, StartToError::UnknownFormat);
     EXPECT_TRUE(recorder.calls.isEmpty());
-    EXPECT_TRUE(form->StartRecTo("/tmp/talk.flv"));
+    EXPECT_FALSE(form->StartRecTo("/tmp/talk.flv"));
     EXPECT_TRUE(prompts.saveRequests.isEmpty());
     EXPECT_TRUE(recorder.called("OutputFileName(/tmp/talk.flv)"));
     EXPECT_TRUE(recorder.called("OutputFormat(3)"));
     EXPECT_EQ(host.panels[4], "FLV video 640x480");
     EXPECT_EQ(session->state(), State::AwaitingStart);
+    // A second request while one is under way starts nothing.
+    recorder.clear();
+    EXPECT_EQ(form->StartRecPreTo("/tmp/other.avi").code, StartToError::Busy);
+    EXPECT_EQ(form->StartRecTo("/tmp/other.avi").code, StartToError::Busy);
+    EXPECT_TRUE(recorder.calls.isEmpty());
+    form->StopRec();
+    EXPECT_FALSE(form->StartRecTo("/tmp/other.avi"));
 }
 
 TEST_F(Session, RealTimersCarryAWarmUpIntoARunningRecording)
 {
-    ASSERT_TRUE(form->StartRecPreTo("/tmp/talk.mkv"));
+    ASSERT_FALSE(form->StartRecPreTo("/tmp/talk.mkv"));
     QElapsedTimer waited;
     waited.start();
     while (session->state() != State::Recording && waited.elapsed() < 5000)
