@@ -19,6 +19,7 @@
 #include <QString>
 #include <QStringList>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace mirabend {
@@ -55,7 +56,7 @@ public:
     // ---- sound ------------------------------------------------------------
     // Sources of the sound server (PulseAudio or PipeWire) or, where none
     // runs, ALSA capture devices. The first entry is the system default.
-    const NamedList& AudioDevices() const;
+    const NamedList& AudioDevices() const { return m_deviceNames; }
     void SelectAudioDevice(int index); // also refills AudioInputPins()
     int AudioDeviceIndex() const { return m_audioDevice; }
     void AudioDeviceIndex(int index) { SelectAudioDevice(index); }
@@ -190,6 +191,7 @@ private:
     ScreenRect m_zoom; // empty: whole screen
 
     std::unique_ptr<AudioDeviceCatalog> m_devices;
+    NamedList m_deviceNames;
     NamedList m_pins;
     int m_audioDevice = 0;
     int m_pin = 0;
@@ -230,6 +232,7 @@ private:
     int m_outHeight = 0;
 
     std::shared_ptr<OverlayBoard> m_overlay;
+    mutable std::mutex m_sessionMutex; // guards m_session for the any-thread readers
     std::unique_ptr<CaptureSession> m_session;
     std::shared_ptr<FailureLog> m_failures;
 };
