@@ -38,7 +38,7 @@ struct OverlaySettings {
     QColor dateColor = QColor(0, 0, 0);
     QString dateFontName = QStringLiteral("Arial");
     int dateFontSize = 28; // points at 96 dpi
-    int dateFontStyle = 0; // OverlayFontStyle as list index
+    int dateFontStyle = 0; // OverlayFontStyle as list index (cbodatefontstyle)
 
     // Text: first line, "\n\r", second line (see composeOverlayText()).
     bool showText = false;
@@ -47,7 +47,7 @@ struct OverlaySettings {
     int textTop = 0;
     QString textFontName = QStringLiteral("Arial");
     int textFontSize = 28;                           // points at 96 dpi
-    int textFontStyle = 0;                           // OverlayFontStyle as list index
+    int textFontStyle = 0;                           // OverlayFontStyle as list index (cbofontstyle)
     int textStyle = 0;                               // OverlayTextStyle as list index
     QColor textColor = QColor(0, 0, 0);              // "Normal"
     QColor outlineColor = QColor(0, 0, 0);           // "Outline Text", "Filled Outline": the border

@@ -151,18 +151,7 @@ TEST(HatchPatterns, CheckerboardsAndGridsHaveTheirSquareSizes) {
     EXPECT_TRUE(invariantUnder(grid, 4, 4));
 }
 
-TEST(HatchPatterns, DashedLinesAreBrokenLines) {
-    const HatchCell horizontal = cellOf("DashedHorizontal");
-    const HatchCell vertical = cellOf("DashedVertical");
-    for (const HatchCell& cell : {horizontal, vertical}) {
-        EXPECT_EQ(setRows(cell), 0);
-        EXPECT_EQ(setColumns(cell), 0);
-    }
-    EXPECT_EQ(horizontal[0], 0xF0); // a dash of four, then a gap
-    for (int y = 0; y < 8; ++y)
-        EXPECT_EQ(hatchBit(vertical, 0, y), y < 4) << y;
-
-    // Each dashed diagonal is a piece of the light diagonal of its direction.
+TEST(HatchPatterns, DashedDiagonalsArePiecesOfTheLightDiagonals) {
     for (const char* direction : {"Downward", "Upward"}) {
         const HatchCell dashed = cellOf((std::string("Dashed") + direction + "Diagonal").c_str());
         const HatchCell light = cellOf((std::string("Light") + direction + "Diagonal").c_str());
@@ -212,17 +201,6 @@ TEST(HatchPatterns, AllPatternsDifferAndTheCountEntryIsNoPattern) {
     }
     EXPECT_EQ(hatchBitCount(hatchCell(kHatchPatternCount)), 64);
     EXPECT_EQ(hatchBitCount(hatchCell(-1)), 64);
-}
-
-TEST(HatchPatterns, TileShowsForegroundOnSetBitsAndBackgroundElsewhere) {
-    const QColor fore(200, 30, 40);
-    const QColor back(10, 220, 90);
-    const int index = indexOf("Weave");
-    const QImage tile = hatchTile(index, fore, back);
-    ASSERT_EQ(tile.size(), QSize(8, 8));
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 8; ++x)
-            EXPECT_EQ(tile.pixel(x, y), (hatchBit(hatchCell(index), x, y) ? fore : back).rgb());
 }
 
 } // namespace

@@ -33,6 +33,9 @@ TEST(OverlayDateFormats, EachFormatRendersTheFixedTime) {
     };
     for (int i = 0; i < kOverlayDateFormatCount; ++i)
         EXPECT_EQ(formatOverlayDate(i, kTime), QLatin1String(expected[i])) << "format " << i;
+    EXPECT_EQ(formatOverlayDate(-1, kTime), QLatin1String(expected[kDefaultOverlayDateFormat]));
+    EXPECT_EQ(formatOverlayDate(kOverlayDateFormatCount, kTime),
+              QLatin1String(expected[kDefaultOverlayDateFormat]));
 }
 
 TEST(OverlayDateFormats, NamesAreTheListTextsAndTheDefaultIsEntrySeven) {
@@ -42,12 +45,6 @@ TEST(OverlayDateFormats, NamesAreTheListTextsAndTheDefaultIsEntrySeven) {
     EXPECT_EQ(names.at(6), QLatin1String("mm:ss"));
     EXPECT_EQ(names.at(kDefaultOverlayDateFormat), QLatin1String("mm/dd/yyyy hh:mm:ss"));
     EXPECT_EQ(names.last(), QLatin1String("dd.mm.yyyy.mm:ss"));
-}
-
-TEST(OverlayDateFormats, IndexOutOfRangeUsesTheDefaultFormat) {
-    const QString fallback = formatOverlayDate(kDefaultOverlayDateFormat, kTime);
-    EXPECT_EQ(formatOverlayDate(-1, kTime), fallback);
-    EXPECT_EQ(formatOverlayDate(kOverlayDateFormatCount, kTime), fallback);
 }
 
 TEST(OverlayLists, StyleFontAndSizeListsMatchTheOptionsWindow) {

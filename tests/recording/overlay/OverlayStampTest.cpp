@@ -54,9 +54,6 @@ TEST_F(OverlayStamp, ImageLandsAtItsPositionWithTheTransparentColourLeftOut) {
         EXPECT_EQ(frame.pixel(60 + 20, 70 + 20), kRed);
         EXPECT_EQ(frame.pixel(60 + 9, 70 + 9), kBlue.rgb()) << "black is the transparent colour";
     }
-}
-
-TEST_F(OverlayStamp, OtherTransparentColourKeepsTheBlackPixels) {
     OverlaySettings s = imageSettings(redWithBlackHole("stamp.png"), 0, 0);
     s.imageTransparentColor = QColor(255, 0, 0);
     const QImage frame = paintedWith(s, kBlue);
