@@ -132,7 +132,7 @@ private:
     }
 };
 
-class FakeHost final : public RecordingHost {
+class FakeHost : public RecordingHost {
 public:
     QMap<int, QString> panels;
     QString elapsed;
@@ -147,6 +147,7 @@ public:
     int redraws = 0;
     bool topMost = false;
     QList<bool> topMostCalls;
+    std::uint32_t handle = 4242;
     int stageW = 581;
     int stageH = 435;
 
@@ -168,9 +169,12 @@ public:
     }
     int mainWindowWidth() const override { return 1024; }
     int mainWindowHeight() const override { return 768; }
-    std::uint32_t stageWindowHandle() const override { return 4242; }
+    std::uint32_t stageWindowHandle() const override { return handle; }
     int stageWidth() const override { return stageW; }
     int stageHeight() const override { return stageH; }
 };
+
+// The same main window for recordings with the real recorder.
+using EngineHost = FakeHost;
 
 } // namespace mirabend::test

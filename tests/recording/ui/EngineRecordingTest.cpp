@@ -1,0 +1,194 @@
+// The options window and session driving the real FFmpeg recorder on a
+// private Xvfb screen: the stage of a test window is recorded to a short
+// file, which libavformat then reads back.
+#include "RecordingFakes.h"
+#include "recording/ui/CaptureOptions_frm.h"
+#include "recording/ui/EngineRecorder.h"
+#include "support/ChildProcess.h"
+#include "support/ScriptedPrompts.h"
+#include "util/Clock.h"
+#include "util/ProgramFolder.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QLabel>
+#include <QTimer>
+#include <QWidget>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace mirabend::test {
+namespace {
+
+using State = RecordingSession::State;
+
+struct MediaInfo {
+    bool opened = false;
+    std::string codec;
+    int width = 0;
+    int height = 0;
+    int videoPackets = 0;
+};
+
+MediaInfo probe(const QString& path)
+{
+    MediaInfo info;
+    AVFormatContext* raw = nullptr;
+    if (avformat_open_input(&raw, path.toLocal8Bit().constData(), nullptr, nullptr) < 0)
+        return info;
+    std::unique_ptr<AVFormatContext, void (*)(AVFormatContext*)> ctx(raw, [](AVFormatContext* c) {
+        avformat_close_input(&c);
+    });
+    if (avformat_find_stream_info(ctx.get(), nullptr) < 0)
+        return info;
+    const int video = av_find_best_stream(ctx.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+    if (video < 0)
+        return info;
+    const AVCodecParameters* par = ctx->streams[video]->codecpar;
+    info.opened = true;
+    info.codec = avcodec_get_name(par->codec_id);
+    info.width = par->width;
+    info.height = par->height;
+    AVPacket* packet = av_packet_alloc();
+    while (av_read_frame(ctx.get(), packet) >= 0) {
+        if (packet->stream_index == video)
+            ++info.videoPackets;
+        av_packet_unref(packet);
+    }
+    av_packet_free(&packet);
+    return info;
+}
+
+void spinUntil(const std::function<bool()>& done, int timeoutMs)
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (!done() && waited.elapsed() < timeoutMs)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+void spinFor(int ms)
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (waited.elapsed() < ms)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+class EngineRecording : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        stage = std::make_unique<QLabel>(QStringLiteral("Stage"));
+        stage->setAutoFillBackground(true);
+        stage->setStyleSheet(QStringLiteral("background: #3060c0; color: white; font-size: 40px;"));
+        stage->setFixedSize(320, 240);
+        stage->show();
+        spinUntil([this] { return stage->isVisible(); }, 2000);
+        spinFor(200);
+        host.stageW = 320;
+        host.stageH = 240;
+        host.handle = static_cast<std::uint32_t>(stage->winId());
+        form = std::make_unique<CaptureOptions_frm>(host, recorder, prompts, clock);
+    }
+
+    // Warm-up, start, a short recording with a pause in it, stop.
+    void recordBriefly()
+    {
+        spinUntil([this] { return form->session().state() == State::Recording; }, 5000);
+        ASSERT_EQ(form->session().state(), State::Recording);
+        EXPECT_EQ(host.panels[1], "Recording ...");
+        spinFor(700);
+        form->PauseRec();
+        spinFor(300);
+        form->ResumeRec();
+        spinFor(700);
+        EXPECT_EQ(host.panels[1], "Recording ...");
+        form->StopRec();
+    }
+
+    TempFolder folder{"mirabend-rec-ui"};
+    std::unique_ptr<QLabel> stage;
+    EngineRecorder recorder;
+    EngineHost host;
+    ScriptedPrompts prompts;
+    SystemClock clock;
+    std::unique_ptr<CaptureOptions_frm> form;
+};
+
+TEST_F(EngineRecording, StageRecordedToMatroskaWithoutTheDialog)
+{
+    const QString file = QString::fromStdString(folder.file("stage.mkv"));
+    ASSERT_FALSE(form->StartRecPreTo(file));
+    recordBriefly();
+    for (const MessageRequest& m : prompts.messages)
+        ADD_FAILURE() << m.text.toStdString();
+    EXPECT_EQ(host.panels[1], "Stoped ...");
+    const MediaInfo info = probe(file);
+    ASSERT_TRUE(info.opened) << file.toStdString();
+    EXPECT_EQ(info.codec, "h264");
+    EXPECT_EQ(info.width, 320);
+    EXPECT_EQ(info.height, 240);
+    EXPECT_GT(info.videoPackets, 5);
+    // The warm-up wrote its scratch file as well.
+    EXPECT_TRUE(QFileInfo(ProgramFolder::writableFile(QStringLiteral("\\pretemp.avi"))).size() > 0);
+}
+
+TEST_F(EngineRecording, AviThroughTheSaveDialogRecordsTheDesignedSize)
+{
+    const QString file = QString::fromStdString(folder.file("stage.avi"));
+    prompts.answerFile(file, 5);
+    form->StartRecPre();
+    recordBriefly();
+    for (const MessageRequest& m : prompts.messages)
+        ADD_FAILURE() << m.text.toStdString();
+    const MediaInfo info = probe(file);
+    ASSERT_TRUE(info.opened) << file.toStdString();
+    EXPECT_EQ(info.codec, "msvideo1");
+    EXPECT_EQ(info.width, 560);
+    EXPECT_EQ(info.height, 420);
+    EXPECT_GT(info.videoPackets, 5);
+}
+
+TEST_F(EngineRecording, AFileThatCannotBeWrittenGivesOneMessageAndNoRecordingClaim)
+{
+    ASSERT_FALSE(form->StartRecTo(QStringLiteral("/nonexistent-folder/x/stage.mp4")));
+    spinUntil([this] { return form->session().state() != State::AwaitingStart; }, 5000);
+    spinFor(200);
+    ASSERT_EQ(prompts.messages.size(), 1);
+    EXPECT_EQ(prompts.messages[0].title, "Mirabend 1.0");
+    EXPECT_TRUE(prompts.messages[0].text.contains("could not be started")) << prompts.messages[0].text.toStdString();
+    EXPECT_EQ(host.panels[1], "Stoped ...");
+    EXPECT_EQ(form->session().state(), State::Stopped);
+}
+
+} // namespace
+} // namespace mirabend::test
+
+namespace mirabend::test {
+namespace {
+
+TEST(EngineFailures, FatalOnesStopTheRecordingAndAMissingSoundDeviceDoesNot)
+{
+    EXPECT_FALSE(EngineRecorder::translate({RecorderError::AudioDeviceUnavailable, "no source"}));
+    EXPECT_EQ(EngineRecorder::translate({RecorderError::OutputOpenFailed, "x"}).code, RecordingError::StartRefused);
+    EXPECT_EQ(EngineRecorder::translate({RecorderError::WindowNotFound, "x"}).code, RecordingError::StartRefused);
+    EXPECT_EQ(EngineRecorder::translate({RecorderError::WriteFailed, "write: No space left on device"}).code,
+              RecordingError::DiskFull);
+    EXPECT_EQ(EngineRecorder::translate({RecorderError::WriteFailed, "write: Input/output error"}).code,
+              RecordingError::WriteFailed);
+    EXPECT_EQ(EngineRecorder::translate({RecorderError::AudioSourceLost, "mic"}).code,
+              RecordingError::AudioSourceLost);
+    const RecordingFailure closed = EngineRecorder::translate({RecorderError::WindowClosed, "window 7 went away"});
+    EXPECT_EQ(closed.code, RecordingError::WriteFailed);
+    EXPECT_EQ(closed.detail, "window 7 went away");
+}
+
+} // namespace
+} // namespace mirabend::test
