@@ -11,6 +11,7 @@
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QProcess>
@@ -60,6 +61,7 @@ DeviceOptions::DeviceOptions(RecorderControl& recorder, Prompts& prompts, QWidge
     chkcapwindow = named(new QCheckBox(QStringLiteral("Capture specific window"), this), "chkcapwindow");
     txtwinhandle = named(new QLineEdit(QStringLiteral("0"), this), "txtwinhandle");
     txtwinhandle->setEnabled(false);
+    txtwinhandle->setMaximumWidth(140);
     chkcapmousecursor = named(new QCheckBox(QStringLiteral("Record Mouse Pointer (check only if needed)"), this),
                               "chkcapmousecursor");
     HWAc_opt = named(
@@ -90,11 +92,15 @@ DeviceOptions::DeviceOptions(RecorderControl& recorder, Prompts& prompts, QWidge
 
     auto* source = new QGroupBox(QStringLiteral("What is recorded"), this);
     auto* sourceGrid = new QGridLayout(source);
-    sourceGrid->addWidget(chkcapwindow, 0, 0);
-    sourceGrid->addWidget(txtwinhandle, 0, 1);
+    auto* windowRow = new QHBoxLayout;
+    windowRow->addWidget(chkcapwindow);
+    windowRow->addWidget(txtwinhandle);
+    windowRow->addStretch();
+    sourceGrid->addLayout(windowRow, 0, 0, 1, 2);
     sourceGrid->addWidget(chkcapmousecursor, 1, 0, 1, 2);
     sourceGrid->addWidget(HWAc_opt, 2, 0, 1, 2);
     sourceGrid->addWidget(Command3, 3, 0, Qt::AlignLeft);
+    sourceGrid->setColumnStretch(2, 1);
 
     auto* zoom = new QGroupBox(QStringLiteral("Zoom"), this);
     auto* zoomGrid = new QGridLayout(zoom);
@@ -106,8 +112,12 @@ DeviceOptions::DeviceOptions(RecorderControl& recorder, Prompts& prompts, QWidge
     zoomGrid->addWidget(txtzoomright, 1, 1);
     zoomGrid->addWidget(new QLabel(QStringLiteral("Bottom"), zoom), 1, 2);
     zoomGrid->addWidget(txtzoombottom, 1, 3);
-    zoomGrid->addWidget(cmdZoomIn, 2, 0, 1, 2);
-    zoomGrid->addWidget(cmdZoomOut, 2, 2, 1, 2);
+    zoomGrid->setColumnStretch(4, 1);
+    auto* zoomButtons = new QHBoxLayout;
+    zoomButtons->addWidget(cmdZoomIn);
+    zoomButtons->addWidget(cmdZoomOut);
+    zoomButtons->addStretch();
+    zoomGrid->addLayout(zoomButtons, 2, 0, 1, 5);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(sound);
