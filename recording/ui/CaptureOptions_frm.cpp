@@ -21,8 +21,7 @@ namespace mirabend {
 CaptureOptions_frm::CaptureOptions_frm(RecordingHost& host, RecorderControl& recorder, Prompts& prompts,
                                        const Clock& clock, QWidget* parent)
     : QDialog(parent)
-    , m_host(host)
-{
+    , m_host(host) {
     setObjectName(QStringLiteral("CaptureOptions_frm"));
     setWindowTitle(QStringLiteral("Recording Options"));
     setModal(false);
@@ -34,8 +33,8 @@ CaptureOptions_frm::CaptureOptions_frm(RecordingHost& host, RecorderControl& rec
     m_tabs->addTab(m_format, QStringLiteral("Format"));
     m_tabs->addTab(m_devices, QStringLiteral("Capture"));
     m_tabs->addTab(m_overlay, QStringLiteral("Overlay"));
-    m_devices->setMp3Fields({m_format->txtavimp3bitrate, m_format->cboavimp3samplerate,
-                             m_format->cboavimp3channel});
+    m_devices->setMp3Fields(
+        {m_format->txtavimp3bitrate, m_format->cboavimp3samplerate, m_format->cboavimp3channel});
     m_session = new RecordingSession(host, recorder, prompts, clock, *m_format, *m_devices, this);
 
     auto* buttons = new QDialogButtonBox(this);
@@ -58,10 +57,11 @@ CaptureOptions_frm::CaptureOptions_frm(RecordingHost& host, RecorderControl& rec
 
 CaptureOptions_frm::~CaptureOptions_frm() = default;
 
-void CaptureOptions_frm::Form_Load() { setDevices(); }
+void CaptureOptions_frm::Form_Load() {
+    setDevices();
+}
 
-void CaptureOptions_frm::setDevices()
-{
+void CaptureOptions_frm::setDevices() {
     m_devices->txtwinhandle->setText(QString::number(m_host.stageWindowHandle()));
     m_overlay->setImageTransparentColour(QColor(0, 0, 0));
     m_overlay->fillTextLists();
@@ -78,47 +78,60 @@ void CaptureOptions_frm::setDevices()
     m_overlay->chkuseoverlay_Click();
 }
 
-void CaptureOptions_frm::setDefaultArea(int width, int height)
-{
+void CaptureOptions_frm::setDefaultArea(int width, int height) {
     m_format->txtwidth->setText(QString::number(width));
     m_format->txtheight->setText(QString::number(height));
 }
 
-void CaptureOptions_frm::showOptions()
-{
+void CaptureOptions_frm::showOptions() {
     show();
     raise();
     activateWindow();
 }
 
-void CaptureOptions_frm::StartRecPre() { m_session->StartRecPre(); }
-void CaptureOptions_frm::StartRec() { m_session->StartRec(); }
-void CaptureOptions_frm::PauseRec() { m_session->PauseRec(); }
-void CaptureOptions_frm::ResumeRec() { m_session->ResumeRec(); }
-void CaptureOptions_frm::StopRec() { m_session->StopRec(); }
-StartToFailure CaptureOptions_frm::StartRecPreTo(const QString& file) { return m_session->StartRecPreTo(file); }
-StartToFailure CaptureOptions_frm::StartRecTo(const QString& file) { return m_session->StartRecTo(file); }
+void CaptureOptions_frm::StartRecPre() {
+    m_session->StartRecPre();
+}
+void CaptureOptions_frm::StartRec() {
+    m_session->StartRec();
+}
+void CaptureOptions_frm::PauseRec() {
+    m_session->PauseRec();
+}
+void CaptureOptions_frm::ResumeRec() {
+    m_session->ResumeRec();
+}
+void CaptureOptions_frm::StopRec() {
+    m_session->StopRec();
+}
+StartToFailure CaptureOptions_frm::StartRecPreTo(const QString& file) {
+    return m_session->StartRecPreTo(file);
+}
+StartToFailure CaptureOptions_frm::StartRecTo(const QString& file) {
+    return m_session->StartRecTo(file);
+}
 
 // OK and Cancel do the same: every choice already took effect.
-void CaptureOptions_frm::Command1_Click() { hide(); }
-void CaptureOptions_frm::Command2_Click() { hide(); }
+void CaptureOptions_frm::Command1_Click() {
+    hide();
+}
+void CaptureOptions_frm::Command2_Click() {
+    hide();
+}
 
-void CaptureOptions_frm::Command3_LostFocus()
-{
+void CaptureOptions_frm::Command3_LostFocus() {
     // The helper's window has just come up; keep the options above it.
     if (isVisible())
         windowSystem().setTopMost(static_cast<NativeHandle>(winId()), true);
 }
 
-void CaptureOptions_frm::closeEvent(QCloseEvent* event)
-{
+void CaptureOptions_frm::closeEvent(QCloseEvent* event) {
     // The window is kept for the whole run; closing only puts it away.
     event->ignore();
     hide();
 }
 
-bool CaptureOptions_frm::eventFilter(QObject* watched, QEvent* event)
-{
+bool CaptureOptions_frm::eventFilter(QObject* watched, QEvent* event) {
     if (watched == m_devices->Command3 && event->type() == QEvent::FocusOut)
         Command3_LostFocus();
     return QDialog::eventFilter(watched, event);

@@ -25,21 +25,18 @@ const char* const kHwAccelHelper = "\\mirabend-hwaccel";
 namespace {
 
 template <typename W>
-W* named(W* widget, const char* name)
-{
+W* named(W* widget, const char* name) {
     widget->setObjectName(QLatin1String(name));
     return widget;
 }
 
-QLineEdit* smallField(const char* name, const char* text, QWidget* parent)
-{
+QLineEdit* smallField(const char* name, const char* text, QWidget* parent) {
     auto* edit = named(new QLineEdit(QLatin1String(text), parent), name);
     edit->setMaximumWidth(70);
     return edit;
 }
 
-void message(Prompts& prompts, const QString& text)
-{
+void message(Prompts& prompts, const QString& text) {
     prompts.show(text, QString::fromLatin1(options::kMessageTitle), PromptIcon::Exclamation);
 }
 
@@ -48,8 +45,7 @@ void message(Prompts& prompts, const QString& text)
 DeviceOptions::DeviceOptions(RecorderControl& recorder, Prompts& prompts, QWidget* parent)
     : QWidget(parent)
     , m_recorder(recorder)
-    , m_prompts(prompts)
-{
+    , m_prompts(prompts) {
     setObjectName(QStringLiteral("capturePage"));
     cboaudiodevice = named(new QComboBox(this), "cboaudiodevice");
     cboaudioinputpin = named(new QComboBox(this), "cboaudioinputpin");
@@ -62,11 +58,12 @@ DeviceOptions::DeviceOptions(RecorderControl& recorder, Prompts& prompts, QWidge
     txtwinhandle = named(new QLineEdit(QStringLiteral("0"), this), "txtwinhandle");
     txtwinhandle->setEnabled(false);
     txtwinhandle->setMaximumWidth(140);
-    chkcapmousecursor = named(new QCheckBox(QStringLiteral("Record Mouse Pointer (check only if needed)"), this),
-                              "chkcapmousecursor");
+    chkcapmousecursor =
+        named(new QCheckBox(QStringLiteral("Record Mouse Pointer (check only if needed)"), this),
+              "chkcapmousecursor");
     HWAc_opt = named(
-        new QCheckBox(QStringLiteral("Use Mirabend Hardware Acceleration (requires high-performance hardware)"),
-                      this),
+        new QCheckBox(
+            QStringLiteral("Use Mirabend Hardware Acceleration (requires high-performance hardware)"), this),
         "HWAc_opt");
     Command3 = named(new QPushButton(QStringLiteral("Turn on/off"), this), "Command3");
     txtzoomleft = smallField("txtzoomleft", "0", this);
@@ -139,10 +136,11 @@ DeviceOptions::DeviceOptions(RecorderControl& recorder, Prompts& prompts, QWidge
     connect(Command3, &QPushButton::clicked, this, [this] { Command3_Click(); });
 }
 
-void DeviceOptions::setMp3Fields(QList<QWidget*> fields) { m_mp3Fields = std::move(fields); }
+void DeviceOptions::setMp3Fields(QList<QWidget*> fields) {
+    m_mp3Fields = std::move(fields);
+}
 
-void DeviceOptions::fillCompressors()
-{
+void DeviceOptions::fillCompressors() {
     const QSignalBlocker blockVideo(cboVideoCompressor);
     cboVideoCompressor->clear();
     cboVideoCompressor->addItems(m_recorder.videoCompressors());
@@ -162,8 +160,7 @@ void DeviceOptions::fillCompressors()
         cboAudioCompressor->setCurrentIndex(pcm);
 }
 
-void DeviceOptions::fillAudioDevices()
-{
+void DeviceOptions::fillAudioDevices() {
     {
         const QSignalBlocker block(cboaudiodevice);
         cboaudiodevice->clear();
@@ -174,8 +171,7 @@ void DeviceOptions::fillAudioDevices()
         cboaudiodevice->setCurrentIndex(0);
 }
 
-void DeviceOptions::cboaudiodevice_Click()
-{
+void DeviceOptions::cboaudiodevice_Click() {
     const int index = cboaudiodevice->currentIndex();
     if (index < 0)
         return;
@@ -185,34 +181,34 @@ void DeviceOptions::cboaudiodevice_Click()
     cboaudioinputpin->setCurrentIndex(cboaudioinputpin->count() > 0 ? 0 : -1);
 }
 
-void DeviceOptions::cboAudioCompressor_Click()
-{
+void DeviceOptions::cboAudioCompressor_Click() {
     const bool mp3 = cboAudioCompressor->currentText() == QLatin1String(options::kMp3Compressor);
     for (QWidget* w : m_mp3Fields)
         w->setEnabled(mp3);
 }
 
-void DeviceOptions::chkUseVideoComp_Click()
-{
+void DeviceOptions::chkUseVideoComp_Click() {
     const bool on = chkUseVideoComp->isChecked();
     cboVideoCompressor->setEnabled(on);
     cmdVideoCompSetting->setEnabled(on);
 }
 
-void DeviceOptions::chkuseAudioComp_Click() { cboAudioCompressor->setEnabled(chkuseAudioComp->isChecked()); }
+void DeviceOptions::chkuseAudioComp_Click() {
+    cboAudioCompressor->setEnabled(chkuseAudioComp->isChecked());
+}
 
-void DeviceOptions::cmdVideoCompSetting_Click()
-{
+void DeviceOptions::cmdVideoCompSetting_Click() {
     const int index = m_recorder.findVideoCompressor(selectedVideoCompressor());
     if (index < 0 || !m_recorder.showVideoCompressorSettings(index))
         m_prompts.show(QStringLiteral("No property page"), QString::fromLatin1(options::kMessageTitle),
                        PromptIcon::Information);
 }
 
-void DeviceOptions::chkcapwindow_Click() { txtwinhandle->setEnabled(chkcapwindow->isChecked()); }
+void DeviceOptions::chkcapwindow_Click() {
+    txtwinhandle->setEnabled(chkcapwindow->isChecked());
+}
 
-void DeviceOptions::cmdZoomIn_Click()
-{
+void DeviceOptions::cmdZoomIn_Click() {
     const auto left = readInteger(txtzoomleft, QStringLiteral("zoom left"), m_prompts);
     if (!left)
         return;
@@ -228,27 +224,28 @@ void DeviceOptions::cmdZoomIn_Click()
     m_recorder.ZoomRect(*left, *top, *right, *bottom);
 }
 
-void DeviceOptions::cmdZoomOut_Click() { m_recorder.ZoomRect(0, 0, m_recorder.ScreenWidth(), m_recorder.ScreenHeight()); }
+void DeviceOptions::cmdZoomOut_Click() {
+    m_recorder.ZoomRect(0, 0, m_recorder.ScreenWidth(), m_recorder.ScreenHeight());
+}
 
-void DeviceOptions::Command3_Click()
-{
+void DeviceOptions::Command3_Click() {
     const QString helper = ProgramFolder::dataFile(QString::fromLatin1(kHwAccelHelper));
     if (helper.isEmpty()) {
-        message(m_prompts, QStringLiteral("The hardware acceleration helper \"%1\" is not installed beside Mirabend.")
-                               .arg(ProgramFolder::normalise(QString::fromLatin1(kHwAccelHelper))));
+        message(m_prompts,
+                QStringLiteral("The hardware acceleration helper \"%1\" is not installed beside Mirabend.")
+                    .arg(ProgramFolder::normalise(QString::fromLatin1(kHwAccelHelper))));
         return;
     }
     if (!QProcess::startDetached(helper, {QStringLiteral("--minimized")}))
-        message(m_prompts, QStringLiteral("The hardware acceleration helper \"%1\" could not be started.").arg(helper));
+        message(m_prompts,
+                QStringLiteral("The hardware acceleration helper \"%1\" could not be started.").arg(helper));
 }
 
-QString DeviceOptions::selectedVideoCompressor() const
-{
+QString DeviceOptions::selectedVideoCompressor() const {
     return cboVideoCompressor->currentIndex() >= 0 ? cboVideoCompressor->currentText() : QString();
 }
 
-QString DeviceOptions::selectedAudioCompressor() const
-{
+QString DeviceOptions::selectedAudioCompressor() const {
     return cboAudioCompressor->currentIndex() >= 0 ? cboAudioCompressor->currentText() : QString();
 }
 

@@ -19,12 +19,9 @@ FormatBranches::FormatBranches(const FormatOptions& format, const DeviceOptions&
     : m_format(format)
     , m_devices(devices)
     , m_recorder(recorder)
-    , m_prompts(prompts)
-{
-}
+    , m_prompts(prompts) {}
 
-QString FormatBranches::programFile(const QString& designName)
-{
+QString FormatBranches::programFile(const QString& designName) {
     const QString found = ProgramFolder::dataFile(designName);
     if (!found.isEmpty())
         return found;
@@ -33,24 +30,29 @@ QString FormatBranches::programFile(const QString& designName)
     return QDir(folder).filePath(ProgramFolder::normalise(designName));
 }
 
-BranchResult FormatBranches::apply(int filterIndex, QSize stage)
-{
+BranchResult FormatBranches::apply(int filterIndex, QSize stage) {
     switch (filterIndex) {
     case options::kWmvStandard:
     case options::kWmvWidescreen:
     case options::kWmvVistaVision:
-    case options::kWmvImax: return wmv(filterIndex);
-    case options::kAvi: return avi();
-    case options::kFlv: return flash(false);
-    case options::kSwf: return flash(true);
-    case options::kMp4: return h264(false, stage);
-    case options::kMkv: return h264(true, stage);
-    default: return {};
+    case options::kWmvImax:
+        return wmv(filterIndex);
+    case options::kAvi:
+        return avi();
+    case options::kFlv:
+        return flash(false);
+    case options::kSwf:
+        return flash(true);
+    case options::kMp4:
+        return h264(false, stage);
+    case options::kMkv:
+        return h264(true, stage);
+    default:
+        return {};
     }
 }
 
-void FormatBranches::applyCompressors()
-{
+void FormatBranches::applyCompressors() {
     // A name the recorder does not know leaves its current compressor.
     const int video = m_recorder.findVideoCompressor(m_devices.selectedVideoCompressor());
     if (video != -1)
@@ -60,8 +62,7 @@ void FormatBranches::applyCompressors()
         m_recorder.AudioCompressorIndex(audio);
 }
 
-BranchResult FormatBranches::wmv(int filterIndex)
-{
+BranchResult FormatBranches::wmv(int filterIndex) {
     m_recorder.OutputFormat(RecorderFormat::Wmv);
     m_recorder.WmvSwitch(true);
     BranchResult result;
@@ -83,9 +84,9 @@ BranchResult FormatBranches::wmv(int filterIndex)
     return result;
 }
 
-BranchResult FormatBranches::avi()
-{
-    const auto bitrate = readNumber(m_format.txtavimp3bitrate, QStringLiteral("AVI audio bitrate"), m_prompts);
+BranchResult FormatBranches::avi() {
+    const auto bitrate =
+        readNumber(m_format.txtavimp3bitrate, QStringLiteral("AVI audio bitrate"), m_prompts);
     if (!bitrate)
         return {false, std::nullopt};
     m_recorder.OutputFormat(RecorderFormat::Avi);
@@ -106,8 +107,7 @@ BranchResult FormatBranches::avi()
     return result;
 }
 
-BranchResult FormatBranches::flash(bool swf)
-{
+BranchResult FormatBranches::flash(bool swf) {
     const QLineEdit* audioField = swf ? m_format.txtswfaudiobitrate : m_format.txtflvaudiobitrate;
     const QLineEdit* videoField = swf ? m_format.txtswfvideobitrate : m_format.txtflvvideobitrate;
     const QString kind = swf ? QStringLiteral("SWF") : QStringLiteral("FLV");
@@ -137,8 +137,7 @@ BranchResult FormatBranches::flash(bool swf)
     return result;
 }
 
-BranchResult FormatBranches::h264(bool mkv, QSize stage)
-{
+BranchResult FormatBranches::h264(bool mkv, QSize stage) {
     // H.264 wants even sizes; the odd line or column is left out.
     const int width = std::max(2, stage.width() & ~1);
     const int height = std::max(2, stage.height() & ~1);

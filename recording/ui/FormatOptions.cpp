@@ -19,21 +19,18 @@ namespace mirabend {
 namespace {
 
 template <typename W>
-W* named(W* widget, const char* name)
-{
+W* named(W* widget, const char* name) {
     widget->setObjectName(QLatin1String(name));
     return widget;
 }
 
-QLineEdit* field(const char* name, const char* text, QWidget* parent)
-{
+QLineEdit* field(const char* name, const char* text, QWidget* parent) {
     auto* edit = named(new QLineEdit(QLatin1String(text), parent), name);
     edit->setMaximumWidth(110);
     return edit;
 }
 
-void fill(QComboBox* box, const std::vector<options::SizeEntry>& table)
-{
+void fill(QComboBox* box, const std::vector<options::SizeEntry>& table) {
     box->clear();
     for (const options::SizeEntry& entry : table)
         box->addItem(entry.entry);
@@ -44,8 +41,7 @@ void fill(QComboBox* box, const std::vector<options::SizeEntry>& table)
 FormatOptions::FormatOptions(RecorderControl& recorder, Prompts& prompts, QWidget* parent)
     : QWidget(parent)
     , m_recorder(recorder)
-    , m_prompts(prompts)
-{
+    , m_prompts(prompts) {
     setObjectName(QStringLiteral("formatPage"));
     txtfps = field("txtfps", "24", this);
     optdefaultprofile = named(new QRadioButton(QStringLiteral("Basic Profile"), this), "optdefaultprofile");
@@ -55,7 +51,8 @@ FormatOptions::FormatOptions(RecorderControl& recorder, Prompts& prompts, QWidge
     // Editable, because a chosen profile file is shown in it by name.
     cboWMV->setEditable(true);
     cbocustomprofile = named(new QComboBox(this), "cbocustomprofile");
-    chkProfileFile = named(new QCheckBox(QStringLiteral("Use a profile file (*.prx)"), this), "chkProfileFile");
+    chkProfileFile =
+        named(new QCheckBox(QStringLiteral("Use a profile file (*.prx)"), this), "chkProfileFile");
 
     aviSize_comb = named(new QComboBox(this), "aviSize_comb");
     txtavimp3bitrate = field("txtavimp3bitrate", "128", this);
@@ -126,8 +123,7 @@ FormatOptions::FormatOptions(RecorderControl& recorder, Prompts& prompts, QWidge
     connect(chkProfileFile, &QCheckBox::clicked, this, [this] { chkProfileFile_Click(); });
 }
 
-void FormatOptions::fillLists()
-{
+void FormatOptions::fillLists() {
     fill(aviSize_comb, options::aviSizes());
     fill(swfSize_comb, options::swfSizes());
     fill(flvSize_comb, options::flvSizes());
@@ -154,8 +150,7 @@ void FormatOptions::fillLists()
     cboWMV->setCurrentIndex(cboWMV->count() > 0 ? 0 : -1);
 }
 
-void FormatOptions::chkProfileFile_Click()
-{
+void FormatOptions::chkProfileFile_Click() {
     if (chkProfileFile->isChecked()) {
         FileRequest request;
         request.title = QStringLiteral("Select a profile file");

@@ -10,8 +10,7 @@ namespace mirabend {
 
 namespace {
 
-void complain(const QLineEdit* field, const QString& what, Prompts& prompts)
-{
+void complain(const QLineEdit* field, const QString& what, Prompts& prompts) {
     prompts.show(QStringLiteral("The %1 must be a number, but the field holds \"%2\".")
                      .arg(what, field ? field->text() : QString()),
                  QString::fromLatin1(options::kMessageTitle), PromptIcon::Exclamation);
@@ -19,8 +18,7 @@ void complain(const QLineEdit* field, const QString& what, Prompts& prompts)
 
 } // namespace
 
-std::optional<double> readNumber(const QLineEdit* field, const QString& what, Prompts& prompts)
-{
+std::optional<double> readNumber(const QLineEdit* field, const QString& what, Prompts& prompts) {
     bool ok = false;
     const double value = field ? field->text().trimmed().toDouble(&ok) : 0.0;
     if (!ok || !std::isfinite(value)) {
@@ -30,8 +28,7 @@ std::optional<double> readNumber(const QLineEdit* field, const QString& what, Pr
     return value;
 }
 
-std::optional<int> readInteger(const QLineEdit* field, const QString& what, Prompts& prompts)
-{
+std::optional<int> readInteger(const QLineEdit* field, const QString& what, Prompts& prompts) {
     bool ok = false;
     const int value = field ? field->text().trimmed().toInt(&ok) : 0;
     if (!ok) {

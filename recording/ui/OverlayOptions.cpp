@@ -21,20 +21,20 @@ namespace mirabend {
 namespace {
 
 template <typename W>
-W* named(W* widget, const char* name)
-{
+W* named(W* widget, const char* name) {
     widget->setObjectName(QLatin1String(name));
     return widget;
 }
 
-QLineEdit* posField(const char* name, const char* text, QWidget* parent)
-{
+QLineEdit* posField(const char* name, const char* text, QWidget* parent) {
     auto* edit = named(new QLineEdit(QLatin1String(text), parent), name);
     edit->setMaximumWidth(60);
     return edit;
 }
 
-QLabel* label(const char* text, QWidget* parent) { return new QLabel(QLatin1String(text), parent); }
+QLabel* label(const char* text, QWidget* parent) {
+    return new QLabel(QLatin1String(text), parent);
+}
 
 constexpr int kReserved = 0;
 
@@ -45,11 +45,10 @@ enum TextStyleIndex { kNormal = 0, kOutline = 1, kFilledOutline = 2, kHatch = 3,
 OverlayOptions::OverlayOptions(RecorderControl& recorder, Prompts& prompts, QWidget* parent)
     : QWidget(parent)
     , m_recorder(recorder)
-    , m_prompts(prompts)
-{
+    , m_prompts(prompts) {
     setObjectName(QStringLiteral("overlayPage"));
-    chkuseoverlay = named(new QCheckBox(QStringLiteral("Draw Overlay Text/Image or Date Time"), this),
-                          "chkuseoverlay");
+    chkuseoverlay =
+        named(new QCheckBox(QStringLiteral("Draw Overlay Text/Image or Date Time"), this), "chkuseoverlay");
 
     auto* dateBox = new QGroupBox(QStringLiteral("Date and time"), this);
     chkshowdatetime = named(new QCheckBox(QStringLiteral("Show Date Time"), dateBox), "chkshowdatetime");
@@ -130,7 +129,8 @@ OverlayOptions::OverlayOptions(RecorderControl& recorder, Prompts& prompts, QWid
     txtimage = named(new QLineEdit(imageBox), "txtimage");
     txtimageleft = posField("txtimageleft", "10", imageBox);
     txtimagetop = posField("txtimagetop", "120", imageBox);
-    cmdimagetrancolor = named(new QPushButton(QStringLiteral("Transparent colour"), imageBox), "cmdimagetrancolor");
+    cmdimagetrancolor =
+        named(new QPushButton(QStringLiteral("Transparent colour"), imageBox), "cmdimagetrancolor");
     Slider1 = named(new QSlider(Qt::Horizontal, imageBox), "Slider1");
     Slider1->setRange(0, 100);
     Command4 = named(new QPushButton(QStringLiteral("Select Image"), imageBox), "Command4");
@@ -165,7 +165,8 @@ OverlayOptions::OverlayOptions(RecorderControl& recorder, Prompts& prompts, QWid
 
     using Box = QComboBox;
     const auto onIndex = [this](Box* box, void (OverlayOptions::*handler)()) {
-        connect(box, qOverload<int>(&Box::currentIndexChanged), this, [this, handler] { (this->*handler)(); });
+        connect(box, qOverload<int>(&Box::currentIndexChanged), this,
+                [this, handler] { (this->*handler)(); });
     };
     const auto onClick = [this](QAbstractButton* button, void (OverlayOptions::*handler)()) {
         connect(button, &QAbstractButton::clicked, this, [this, handler] { (this->*handler)(); });
@@ -197,19 +198,17 @@ OverlayOptions::OverlayOptions(RecorderControl& recorder, Prompts& prompts, QWid
     onClick(cmddrawimage, &OverlayOptions::cmddrawimage_Click);
 }
 
-QList<QWidget*> OverlayOptions::overlayFields() const
-{
-    return {chkshowdatetime, cboDateFormat,   txtdateleft,      txtdatetop,         cbodatefontname,
-            cbodatefontsize, cbodatefontstyle, Command9,        Command11,          chkshowtext,
-            txtText,         txtText2,         txttextleft,     txttexttop,         cbofontname,
-            cbofontsize,     cbofontstyle,     cbotextstyle,    cmdsolidfontcolor,  cmdoutlineborder,
-            cmdoutlineback,  cbohashbrushstyle, cmdhashforecolor, cmdhashbackcolor, cmdtextureselimage,
-            txttextureimage, Command10,        chkshowimage,    txtimage,           txtimageleft,
-            txtimagetop,     cmdimagetrancolor, Slider1,        Command4,           cmddrawimage};
+QList<QWidget*> OverlayOptions::overlayFields() const {
+    return {chkshowdatetime, cboDateFormat,     txtdateleft,      txtdatetop,        cbodatefontname,
+            cbodatefontsize, cbodatefontstyle,  Command9,         Command11,         chkshowtext,
+            txtText,         txtText2,          txttextleft,      txttexttop,        cbofontname,
+            cbofontsize,     cbofontstyle,      cbotextstyle,     cmdsolidfontcolor, cmdoutlineborder,
+            cmdoutlineback,  cbohashbrushstyle, cmdhashforecolor, cmdhashbackcolor,  cmdtextureselimage,
+            txttextureimage, Command10,         chkshowimage,     txtimage,          txtimageleft,
+            txtimagetop,     cmdimagetrancolor, Slider1,          Command4,          cmddrawimage};
 }
 
-void OverlayOptions::fillTextLists()
-{
+void OverlayOptions::fillTextLists() {
     cbotextstyle->clear();
     cbotextstyle->addItems(m_recorder.textStyleNames());
     cbotextstyle->setCurrentIndex(cbotextstyle->count() > 0 ? 0 : -1);
@@ -220,8 +219,7 @@ void OverlayOptions::fillTextLists()
     cboDateFormat->addItems(m_recorder.dateFormatNames());
 }
 
-void OverlayOptions::fillDateAndFontLists()
-{
+void OverlayOptions::fillDateAndFontLists() {
     cboDateFormat->setCurrentIndex(cboDateFormat->count() > 7 ? 7 : cboDateFormat->count() - 1);
     for (QComboBox* sizes : {cbofontsize, cbodatefontsize}) {
         sizes->clear();
@@ -240,20 +238,17 @@ void OverlayOptions::fillDateAndFontLists()
     }
 }
 
-void OverlayOptions::swatch(QPushButton* button, const QColor& colour)
-{
+void OverlayOptions::swatch(QPushButton* button, const QColor& colour) {
     QPixmap chip(14, 14);
     chip.fill(colour);
     button->setIcon(QIcon(chip));
 }
 
-std::optional<QColor> OverlayOptions::askColour(const QColor& initial, const QString& title)
-{
+std::optional<QColor> OverlayOptions::askColour(const QColor& initial, const QString& title) {
     return m_prompts.chooseColor(initial, title);
 }
 
-void OverlayOptions::chkuseoverlay_Click()
-{
+void OverlayOptions::chkuseoverlay_Click() {
     const bool on = chkuseoverlay->isChecked();
     for (QWidget* w : overlayFields())
         w->setEnabled(on);
@@ -264,17 +259,17 @@ void OverlayOptions::chkuseoverlay_Click()
     m_recorder.ShowImage(on && chkshowimage->isChecked());
 }
 
-void OverlayOptions::chkshowdatetime_Click() { m_recorder.ShowDateTime(chkshowdatetime->isChecked()); }
+void OverlayOptions::chkshowdatetime_Click() {
+    m_recorder.ShowDateTime(chkshowdatetime->isChecked());
+}
 
-void OverlayOptions::cboDateFormat_Click()
-{
+void OverlayOptions::cboDateFormat_Click() {
     if (cboDateFormat->currentIndex() < 0)
         return;
     Command11_Click();
 }
 
-void OverlayOptions::Command11_Click()
-{
+void OverlayOptions::Command11_Click() {
     const auto left = readInteger(txtdateleft, QStringLiteral("date left position"), m_prompts);
     if (!left)
         return;
@@ -284,8 +279,7 @@ void OverlayOptions::Command11_Click()
     m_recorder.DateTimeLayout(cboDateFormat->currentIndex(), *left, *top);
 }
 
-void OverlayOptions::Command9_Click()
-{
+void OverlayOptions::Command9_Click() {
     if (const auto colour = askColour(m_dateColour, QStringLiteral("Date colour"))) {
         m_dateColour = *colour;
         swatch(Command9, m_dateColour);
@@ -293,8 +287,7 @@ void OverlayOptions::Command9_Click()
     }
 }
 
-void OverlayOptions::cbodatefontname_Click()
-{
+void OverlayOptions::cbodatefontname_Click() {
     if (cbodatefontname->currentIndex() < 0 || cbodatefontsize->currentIndex() < 0)
         return;
     m_recorder.DateFontName(cbodatefontname->currentText());
@@ -302,18 +295,20 @@ void OverlayOptions::cbodatefontname_Click()
 }
 
 // A size change hands the font name again, before the size.
-void OverlayOptions::cbodatefontsize_Click() { cbodatefontname_Click(); }
+void OverlayOptions::cbodatefontsize_Click() {
+    cbodatefontname_Click();
+}
 
-void OverlayOptions::cbodatefontstyle_Click()
-{
+void OverlayOptions::cbodatefontstyle_Click() {
     if (cbodatefontstyle->currentIndex() >= 0)
         m_recorder.DateFontStyle(cbodatefontstyle->currentIndex());
 }
 
-void OverlayOptions::chkshowtext_Click() { m_recorder.ShowText(chkshowtext->isChecked()); }
+void OverlayOptions::chkshowtext_Click() {
+    m_recorder.ShowText(chkshowtext->isChecked());
+}
 
-void OverlayOptions::Command10_Click()
-{
+void OverlayOptions::Command10_Click() {
     const auto left = readInteger(txttextleft, QStringLiteral("text left position"), m_prompts);
     if (!left)
         return;
@@ -324,28 +319,24 @@ void OverlayOptions::Command10_Click()
     m_recorder.Text(text, *left, *top, kReserved);
 }
 
-void OverlayOptions::cbofontname_Click()
-{
+void OverlayOptions::cbofontname_Click() {
     if (cbofontname->currentIndex() < 0 || cbofontsize->currentIndex() < 0)
         return;
     m_recorder.TextFontName(cbofontname->currentText(), std::max(0, cbofontstyle->currentIndex()));
     m_recorder.TextFontSize(cbofontsize->currentText().toInt(), kReserved);
 }
 
-void OverlayOptions::cbofontsize_Click()
-{
+void OverlayOptions::cbofontsize_Click() {
     if (cbofontsize->currentIndex() >= 0)
         m_recorder.TextFontSize(cbofontsize->currentText().toInt(), kReserved);
 }
 
-void OverlayOptions::cbofontstyle_Click()
-{
+void OverlayOptions::cbofontstyle_Click() {
     if (cbofontname->currentIndex() >= 0 && cbofontstyle->currentIndex() >= 0)
         m_recorder.TextFontName(cbofontname->currentText(), cbofontstyle->currentIndex());
 }
 
-void OverlayOptions::cbotextstyle_Click()
-{
+void OverlayOptions::cbotextstyle_Click() {
     const int style = cbotextstyle->currentIndex();
     if (style < 0)
         return;
@@ -353,8 +344,7 @@ void OverlayOptions::cbotextstyle_Click()
     applyStyleEnabling(style);
 }
 
-void OverlayOptions::applyStyleEnabling(int style)
-{
+void OverlayOptions::applyStyleEnabling(int style) {
     const QList<QWidget*> hatch = {cbohashbrushstyle, cmdhashforecolor, cmdhashbackcolor};
     const QList<QWidget*> texture = {cmdtextureselimage, txttextureimage};
     const auto set = [](const QList<QWidget*>& widgets, bool on) {
@@ -397,13 +387,11 @@ void OverlayOptions::applyStyleEnabling(int style)
     }
 }
 
-void OverlayOptions::handTextColours()
-{
+void OverlayOptions::handTextColours() {
     m_recorder.TextColors(m_solidColour.rgb(), m_outlineBorder.rgb(), m_outlineFill.rgb());
 }
 
-void OverlayOptions::cmdsolidfontcolor_Click()
-{
+void OverlayOptions::cmdsolidfontcolor_Click() {
     if (const auto colour = askColour(m_solidColour, QStringLiteral("Text colour"))) {
         m_solidColour = *colour;
         swatch(cmdsolidfontcolor, m_solidColour);
@@ -411,8 +399,7 @@ void OverlayOptions::cmdsolidfontcolor_Click()
     }
 }
 
-void OverlayOptions::cmdoutlineborder_Click()
-{
+void OverlayOptions::cmdoutlineborder_Click() {
     if (const auto colour = askColour(m_outlineBorder, QStringLiteral("Outline colour"))) {
         m_outlineBorder = *colour;
         swatch(cmdoutlineborder, m_outlineBorder);
@@ -420,8 +407,7 @@ void OverlayOptions::cmdoutlineborder_Click()
     }
 }
 
-void OverlayOptions::cmdoutlineback_Click()
-{
+void OverlayOptions::cmdoutlineback_Click() {
     if (const auto colour = askColour(m_outlineFill, QStringLiteral("Outline fill colour"))) {
         m_outlineFill = *colour;
         swatch(cmdoutlineback, m_outlineFill);
@@ -429,16 +415,17 @@ void OverlayOptions::cmdoutlineback_Click()
     }
 }
 
-void OverlayOptions::handHatch()
-{
+void OverlayOptions::handHatch() {
     if (cbohashbrushstyle->currentIndex() >= 0)
-        m_recorder.HatchBrush(m_hatchFore.rgb(), m_hatchBack.rgb(), cbohashbrushstyle->currentIndex(), kReserved);
+        m_recorder.HatchBrush(m_hatchFore.rgb(), m_hatchBack.rgb(), cbohashbrushstyle->currentIndex(),
+                              kReserved);
 }
 
-void OverlayOptions::cbohashbrushstyle_Click() { handHatch(); }
+void OverlayOptions::cbohashbrushstyle_Click() {
+    handHatch();
+}
 
-void OverlayOptions::cmdhashforecolor_Click()
-{
+void OverlayOptions::cmdhashforecolor_Click() {
     if (const auto colour = askColour(m_hatchFore, QStringLiteral("Hatch colour"))) {
         m_hatchFore = *colour;
         swatch(cmdhashforecolor, m_hatchFore);
@@ -446,8 +433,7 @@ void OverlayOptions::cmdhashforecolor_Click()
     }
 }
 
-void OverlayOptions::cmdhashbackcolor_Click()
-{
+void OverlayOptions::cmdhashbackcolor_Click() {
     if (const auto colour = askColour(m_hatchBack, QStringLiteral("Hatch background colour"))) {
         m_hatchBack = *colour;
         swatch(cmdhashbackcolor, m_hatchBack);
@@ -455,8 +441,7 @@ void OverlayOptions::cmdhashbackcolor_Click()
     }
 }
 
-void OverlayOptions::cmdtextureselimage_Click()
-{
+void OverlayOptions::cmdtextureselimage_Click() {
     FileRequest request;
     request.title = QStringLiteral("Select Texture Image");
     request.filter = QString::fromLatin1(options::kImageFilter);
@@ -467,10 +452,11 @@ void OverlayOptions::cmdtextureselimage_Click()
     m_recorder.TextureImage(answer.fileName, kReserved);
 }
 
-void OverlayOptions::chkshowimage_Click() { m_recorder.ShowImage(chkshowimage->isChecked()); }
+void OverlayOptions::chkshowimage_Click() {
+    m_recorder.ShowImage(chkshowimage->isChecked());
+}
 
-void OverlayOptions::Command4_Click()
-{
+void OverlayOptions::Command4_Click() {
     FileRequest request;
     request.title = QStringLiteral("Select Image");
     request.filter = QString::fromLatin1(options::kImageFilter);
@@ -481,16 +467,14 @@ void OverlayOptions::Command4_Click()
     cmddrawimage_Click();
 }
 
-void OverlayOptions::cmdimagetrancolor_Click()
-{
+void OverlayOptions::cmdimagetrancolor_Click() {
     if (const auto colour = askColour(m_imageTransparent, QStringLiteral("Transparent colour"))) {
         m_imageTransparent = *colour;
         cmddrawimage_Click();
     }
 }
 
-void OverlayOptions::cmddrawimage_Click()
-{
+void OverlayOptions::cmddrawimage_Click() {
     const auto left = readInteger(txtimageleft, QStringLiteral("image left position"), m_prompts);
     if (!left)
         return;

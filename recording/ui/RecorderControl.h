@@ -21,10 +21,10 @@ enum class RecorderFormat { Avi = 0, Wmv = 1, Swf = 2, Flv = 3, Mp4 = 4, Mkv = 5
 
 enum class RecordingError {
     None,
-    StartRefused,   // the capture could not be started (device, codec, file)
-    DiskFull,       // writing the output file ran out of space
+    StartRefused,    // the capture could not be started (device, codec, file)
+    DiskFull,        // writing the output file ran out of space
     AudioSourceLost, // the sound source went away during the capture
-    WriteFailed,    // any other failure while encoding or writing
+    WriteFailed,     // any other failure while encoding or writing
 };
 
 using RecordingFailure = Failure<RecordingError>;

@@ -28,15 +28,16 @@ constexpr int kTickMs = 50;
 constexpr int kToolbarRecordButton = 12;
 constexpr qint64 kDayMs = 24LL * 60 * 60 * 1000;
 
-QTimer* makeTimer(const char* name, QObject* parent)
-{
+QTimer* makeTimer(const char* name, QObject* parent) {
     auto* timer = new QTimer(parent);
     timer->setObjectName(QLatin1String(name));
     timer->setInterval(kTickMs);
     return timer;
 }
 
-QString text(const char* latin) { return QString::fromLatin1(latin); }
+QString text(const char* latin) {
+    return QString::fromLatin1(latin);
+}
 
 } // namespace
 
@@ -55,17 +56,17 @@ RecordingSession::RecordingSession(RecordingHost& host, RecorderControl& recorde
     , m_devices(devices)
     , m_startTime(emptyTime())
     , m_pauseTime(emptyTime())
-    , m_resumeTime(emptyTime())
-{
+    , m_resumeTime(emptyTime()) {
     connect(pre_Timer, &QTimer::timeout, this, &RecordingSession::pre_Timer_Timer);
     connect(wait_Timer, &QTimer::timeout, this, &RecordingSession::wait_Timer_Timer);
     connect(Timer2, &QTimer::timeout, this, &RecordingSession::Timer2_Timer);
 }
 
-QDateTime RecordingSession::emptyTime() { return QDateTime(QDate(1899, 12, 30), QTime(0, 0)); }
+QDateTime RecordingSession::emptyTime() {
+    return QDateTime(QDate(1899, 12, 30), QTime(0, 0));
+}
 
-QString RecordingSession::formatElapsed(qint64 ms)
-{
+QString RecordingSession::formatElapsed(qint64 ms) {
     const qint64 inDay = (ms < 0 ? -ms : ms) % kDayMs;
     const qint64 seconds = inDay / 1000;
     return QStringLiteral("%1:%2:%3")
@@ -74,16 +75,14 @@ QString RecordingSession::formatElapsed(qint64 ms)
         .arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
-void RecordingSession::setState(State state)
-{
+void RecordingSession::setState(State state) {
     if (m_state == state)
         return;
     m_state = state;
     Q_EMIT stateChanged(state);
 }
 
-void RecordingSession::StartRecPre()
-{
+void RecordingSession::StartRecPre() {
     // The warm-up only primes the capture devices; a step that fails is
     // skipped and the real recording reports its own failures.
     m_host.setNoticeVisible(true);
@@ -104,8 +103,7 @@ void RecordingSession::StartRecPre()
     setState(State::WarmUp);
 }
 
-StartToFailure RecordingSession::StartRecPreTo(const QString& file)
-{
+StartToFailure RecordingSession::StartRecPreTo(const QString& file) {
     if (options::filterIndexForFile(file) == 0)
         return {StartToError::UnknownFormat, file.toStdString()};
     if (m_state == State::WarmUp || m_state == State::AwaitingStart || m_state == State::Recording ||
@@ -116,19 +114,19 @@ StartToFailure RecordingSession::StartRecPreTo(const QString& file)
     return {};
 }
 
-QString RecordingSession::startToText(const StartToFailure& failure, const QString& file)
-{
+QString RecordingSession::startToText(const StartToFailure& failure, const QString& file) {
     switch (failure.code) {
-    case StartToError::None: return {};
+    case StartToError::None:
+        return {};
     case StartToError::UnknownFormat:
         return QStringLiteral("no format records \"%1\"; use .wmv, .avi, .flv, .swf, .mp4 or .mkv").arg(file);
-    case StartToError::Busy: return QStringLiteral("a recording is already under way");
+    case StartToError::Busy:
+        return QStringLiteral("a recording is already under way");
     }
     return {};
 }
 
-void RecordingSession::pre_Timer_Timer()
-{
+void RecordingSession::pre_Timer_Timer() {
     m_recorder.StopCapture();
     pre_Timer->stop();
     m_host.setNoticeVisible(false);
@@ -138,8 +136,7 @@ void RecordingSession::pre_Timer_Timer()
     m_host.setText4(QStringLiteral("run"));
 }
 
-StartToFailure RecordingSession::StartRecTo(const QString& file)
-{
+StartToFailure RecordingSession::StartRecTo(const QString& file) {
     if (options::filterIndexForFile(file) == 0)
         return {StartToError::UnknownFormat, file.toStdString()};
     if (m_state == State::AwaitingStart || m_state == State::Recording || m_state == State::Paused)
@@ -149,8 +146,7 @@ StartToFailure RecordingSession::StartRecTo(const QString& file)
     return {};
 }
 
-void RecordingSession::StartRec()
-{
+void RecordingSession::StartRec() {
     m_recorder.CaptureWindowHandle(m_devices.txtwinhandle->text());
     m_recorder.CaptureMouseCursor(m_devices.chkcapmousecursor->isChecked() ? 1 : 0);
     m_recorder.AudioDeviceIndex(m_devices.cboaudiodevice->currentIndex());
@@ -204,8 +200,7 @@ void RecordingSession::StartRec()
     setState(State::AwaitingStart);
 }
 
-void RecordingSession::wait_Timer_Timer()
-{
+void RecordingSession::wait_Timer_Timer() {
     wait_Timer->stop();
     if (!m_recorder.StartCapture()) {
         RecordingFailure failure = m_recorder.failure();
@@ -220,8 +215,7 @@ void RecordingSession::wait_Timer_Timer()
     setState(State::Recording);
 }
 
-void RecordingSession::Timer2_Timer()
-{
+void RecordingSession::Timer2_Timer() {
     if (const RecordingFailure failure = m_recorder.failure()) {
         failRecording(failure);
         return;
@@ -231,14 +225,12 @@ void RecordingSession::Timer2_Timer()
     const qint64 netMs = totalMs - m_pausedTotalMs;
     // Until the first pause the field reads "R" and the wall-clock time is
     // shown; from the first resume on, the time without the pauses.
-    const QString shown =
-        formatElapsed(m_host.recordingState() == QLatin1String("R") ? totalMs : netMs);
+    const QString shown = formatElapsed(m_host.recordingState() == QLatin1String("R") ? totalMs : netMs);
     m_host.setStatusPanel(5, shown);
     m_host.setElapsedLabel(shown);
 }
 
-void RecordingSession::PauseRec()
-{
+void RecordingSession::PauseRec() {
     m_host.setTopMost(false);
     m_host.setRecordingState(QStringLiteral("P"));
     m_pauseTime = m_clock.now();
@@ -249,8 +241,7 @@ void RecordingSession::PauseRec()
         setState(State::Paused);
 }
 
-void RecordingSession::ResumeRec()
-{
+void RecordingSession::ResumeRec() {
     m_recorder.ResumeCapture();
     // The status bar only claims a recording that really runs.
     if (m_captureRunning)
@@ -266,8 +257,7 @@ void RecordingSession::ResumeRec()
     }
 }
 
-void RecordingSession::StopRec()
-{
+void RecordingSession::StopRec() {
     m_host.setTopMost(false);
     m_recorder.StopCapture();
     m_captureRunning = false;
@@ -279,8 +269,7 @@ void RecordingSession::StopRec()
     setState(State::Stopped);
 }
 
-void RecordingSession::failRecording(RecordingFailure failure)
-{
+void RecordingSession::failRecording(RecordingFailure failure) {
     // Stopping closes the file, so what was recorded so far stays playable.
     StopRec();
     m_host.setToolbarButtonEnabled(kToolbarRecordButton, true);
@@ -293,11 +282,12 @@ void RecordingSession::failRecording(RecordingFailure failure)
     m_prompts.show(failureText(failure), text(options::kMessageTitle), PromptIcon::Critical);
 }
 
-QString RecordingSession::failureText(const RecordingFailure& failure)
-{
+QString RecordingSession::failureText(const RecordingFailure& failure) {
     QString text;
     switch (failure.code) {
-    case RecordingError::StartRefused: text = QStringLiteral("The recording could not be started."); break;
+    case RecordingError::StartRefused:
+        text = QStringLiteral("The recording could not be started.");
+        break;
     case RecordingError::DiskFull:
         text = QStringLiteral("The disk is full. The recording was stopped; the file holds everything "
                               "recorded up to this moment.");

@@ -76,9 +76,9 @@ public:
     static QDateTime emptyTime();
 
     // The status texts, spelled as the main window has always shown them.
-    static const char* const kRecording; // "Recording ..."
-    static const char* const kPaused;    // "Paused ..."
-    static const char* const kStopped;   // "Stoped ..."
+    static const char* const kRecording;  // "Recording ..."
+    static const char* const kPaused;     // "Paused ..."
+    static const char* const kStopped;    // "Stoped ..."
     static const char* const kPleaseWait; // "Please Wait..."
 
 Q_SIGNALS:

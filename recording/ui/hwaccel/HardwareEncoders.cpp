@@ -21,8 +21,7 @@ struct BufferUnref {
 
 // The device an encoder runs on: from its hardware configurations, else from
 // the suffix of its name (some wrappers announce no configuration).
-std::string deviceOf(const AVCodec* codec)
-{
+std::string deviceOf(const AVCodec* codec) {
     for (int i = 0;; ++i) {
         const AVCodecHWConfig* config = avcodec_get_hw_config(codec, i);
         if (!config)
@@ -32,8 +31,13 @@ std::string deviceOf(const AVCodec* codec)
     }
     const std::string name = codec->name;
     static const std::pair<const char*, const char*> kSuffixes[] = {
-        {"_vaapi", "vaapi"}, {"_nvenc", "cuda"}, {"_qsv", "qsv"}, {"_vulkan", "vulkan"},
-        {"_v4l2m2m", ""},    {"_amf", ""},       {"_videotoolbox", "videotoolbox"},
+        {"_vaapi", "vaapi"},
+        {"_nvenc", "cuda"},
+        {"_qsv", "qsv"},
+        {"_vulkan", "vulkan"},
+        {"_v4l2m2m", ""},
+        {"_amf", ""},
+        {"_videotoolbox", "videotoolbox"},
     };
     for (const auto& [suffix, device] : kSuffixes) {
         const std::string s = suffix;
@@ -43,8 +47,7 @@ std::string deviceOf(const AVCodec* codec)
     return {};
 }
 
-bool isHardware(const AVCodec* codec)
-{
+bool isHardware(const AVCodec* codec) {
     if (codec->capabilities & AV_CODEC_CAP_HARDWARE)
         return true;
     const std::string name = codec->name;
@@ -55,8 +58,7 @@ bool isHardware(const AVCodec* codec)
     return false;
 }
 
-bool deviceOpens(const std::string& device, std::map<std::string, bool>& cache)
-{
+bool deviceOpens(const std::string& device, std::map<std::string, bool>& cache) {
     if (device.empty())
         return false;
     const auto found = cache.find(device);
@@ -75,8 +77,7 @@ bool deviceOpens(const std::string& device, std::map<std::string, bool>& cache)
 
 } // namespace
 
-std::vector<HardwareEncoder> hardwareEncoders()
-{
+std::vector<HardwareEncoder> hardwareEncoders() {
     std::vector<HardwareEncoder> result;
     std::map<std::string, bool> devices;
     // Opening a device that is not there is the normal case; keep libav quiet.
@@ -99,8 +100,7 @@ std::vector<HardwareEncoder> hardwareEncoders()
     return result;
 }
 
-std::string describeHardwareEncoders(const std::vector<HardwareEncoder>& encoders)
-{
+std::string describeHardwareEncoders(const std::vector<HardwareEncoder>& encoders) {
     if (encoders.empty())
         return "This FFmpeg has no hardware video encoders built in.\n";
     std::string text;

@@ -14,8 +14,7 @@
 #include <cstdio>
 #include <cstring>
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     const auto encoders = mirabend::hardwareEncoders();
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--list") == 0) {
@@ -40,9 +39,10 @@ int main(int argc, char** argv)
     }
     auto* summary = new QLabel(&window);
     summary->setWordWrap(true);
-    summary->setText(usable > 0 ? QStringLiteral("This machine offers %1 hardware video encoder(s).").arg(usable)
-                                : QStringLiteral("This machine offers no hardware video encoder; recordings "
-                                                 "are encoded on the processor."));
+    summary->setText(usable > 0
+                         ? QStringLiteral("This machine offers %1 hardware video encoder(s).").arg(usable)
+                         : QStringLiteral("This machine offers no hardware video encoder; recordings "
+                                          "are encoded on the processor."));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, &window);
     QObject::connect(buttons, &QDialogButtonBox::rejected, &window, &QWidget::close);
     layout->addWidget(summary);

@@ -13,14 +13,13 @@ const char* const kRemoteInterface = "org.mirabend.Mirabend";
 RemoteControlService::RemoteControlService(CommandHandler command, RecordHandler record, QObject* parent)
     : QObject(parent)
     , m_command(std::move(command))
-    , m_record(std::move(record))
-{
+    , m_record(std::move(record)) {}
+
+RemoteControlService::~RemoteControlService() {
+    unregister();
 }
 
-RemoteControlService::~RemoteControlService() { unregister(); }
-
-RemoteFailure RemoteControlService::registerOn(QDBusConnection connection)
-{
+RemoteFailure RemoteControlService::registerOn(QDBusConnection connection) {
     if (!connection.isConnected())
         return {RemoteError::BusUnavailable, connection.lastError().message().toStdString()};
     if (!connection.registerObject(QString::fromLatin1(kRemoteObject), this, QDBusConnection::ExportAllSlots))
@@ -34,8 +33,7 @@ RemoteFailure RemoteControlService::registerOn(QDBusConnection connection)
     return {};
 }
 
-void RemoteControlService::unregister()
-{
+void RemoteControlService::unregister() {
     if (!m_registered)
         return;
     QDBusConnection connection(m_connectionName);
@@ -44,14 +42,12 @@ void RemoteControlService::unregister()
     m_registered = false;
 }
 
-void RemoteControlService::Command(const QString& key)
-{
+void RemoteControlService::Command(const QString& key) {
     if (m_command)
         m_command(key);
 }
 
-void RemoteControlService::RecordTo(const QString& file)
-{
+void RemoteControlService::RecordTo(const QString& file) {
     const QString refused = m_record ? m_record(file) : QStringLiteral("recording is not available");
     if (!refused.isEmpty() && calledFromDBus())
         sendErrorReply(QString::fromLatin1(kRemoteInterface) + QStringLiteral(".Error.Rejected"), refused);

@@ -36,15 +36,13 @@ struct MediaInfo {
     int videoPackets = 0;
 };
 
-MediaInfo probe(const QString& path)
-{
+MediaInfo probe(const QString& path) {
     MediaInfo info;
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, path.toLocal8Bit().constData(), nullptr, nullptr) < 0)
         return info;
-    std::unique_ptr<AVFormatContext, void (*)(AVFormatContext*)> ctx(raw, [](AVFormatContext* c) {
-        avformat_close_input(&c);
-    });
+    std::unique_ptr<AVFormatContext, void (*)(AVFormatContext*)> ctx(
+        raw, [](AVFormatContext* c) { avformat_close_input(&c); });
     if (avformat_find_stream_info(ctx.get(), nullptr) < 0)
         return info;
     const int video = av_find_best_stream(ctx.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
@@ -65,16 +63,14 @@ MediaInfo probe(const QString& path)
     return info;
 }
 
-void spinUntil(const std::function<bool()>& done, int timeoutMs)
-{
+void spinUntil(const std::function<bool()>& done, int timeoutMs) {
     QElapsedTimer waited;
     waited.start();
     while (!done() && waited.elapsed() < timeoutMs)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
-void spinFor(int ms)
-{
+void spinFor(int ms) {
     QElapsedTimer waited;
     waited.start();
     while (waited.elapsed() < ms)
@@ -83,8 +79,7 @@ void spinFor(int ms)
 
 class EngineRecording : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         stage = std::make_unique<QLabel>(QStringLiteral("Stage"));
         stage->setAutoFillBackground(true);
         stage->setStyleSheet(QStringLiteral("background: #3060c0; color: white; font-size: 40px;"));
@@ -99,8 +94,7 @@ protected:
     }
 
     // Warm-up, start, a short recording with a pause in it, stop.
-    void recordBriefly()
-    {
+    void recordBriefly() {
         spinUntil([this] { return form->session().state() == State::Recording; }, 5000);
         ASSERT_EQ(form->session().state(), State::Recording);
         EXPECT_EQ(host.panels[1], "Recording ...");
@@ -122,8 +116,7 @@ protected:
     std::unique_ptr<CaptureOptions_frm> form;
 };
 
-TEST_F(EngineRecording, StageRecordedToMatroskaWithoutTheDialog)
-{
+TEST_F(EngineRecording, StageRecordedToMatroskaWithoutTheDialog) {
     const QString file = QString::fromStdString(folder.file("stage.mkv"));
     ASSERT_FALSE(form->StartRecPreTo(file));
     recordBriefly();
@@ -140,8 +133,7 @@ TEST_F(EngineRecording, StageRecordedToMatroskaWithoutTheDialog)
     EXPECT_TRUE(QFileInfo(ProgramFolder::writableFile(QStringLiteral("\\pretemp.avi"))).size() > 0);
 }
 
-TEST_F(EngineRecording, AviThroughTheSaveDialogRecordsTheDesignedSize)
-{
+TEST_F(EngineRecording, AviThroughTheSaveDialogRecordsTheDesignedSize) {
     const QString file = QString::fromStdString(folder.file("stage.avi"));
     prompts.answerFile(file, 5);
     form->StartRecPre();
@@ -156,14 +148,14 @@ TEST_F(EngineRecording, AviThroughTheSaveDialogRecordsTheDesignedSize)
     EXPECT_GT(info.videoPackets, 5);
 }
 
-TEST_F(EngineRecording, AFileThatCannotBeWrittenGivesOneMessageAndNoRecordingClaim)
-{
+TEST_F(EngineRecording, AFileThatCannotBeWrittenGivesOneMessageAndNoRecordingClaim) {
     ASSERT_FALSE(form->StartRecTo(QStringLiteral("/nonexistent-folder/x/stage.mp4")));
     spinUntil([this] { return form->session().state() != State::AwaitingStart; }, 5000);
     spinFor(200);
     ASSERT_EQ(prompts.messages.size(), 1);
     EXPECT_EQ(prompts.messages[0].title, "Mirabend 1.0");
-    EXPECT_TRUE(prompts.messages[0].text.contains("could not be started")) << prompts.messages[0].text.toStdString();
+    EXPECT_TRUE(prompts.messages[0].text.contains("could not be started"))
+        << prompts.messages[0].text.toStdString();
     EXPECT_EQ(host.panels[1], "Stoped ...");
     EXPECT_EQ(form->session().state(), State::Stopped);
 }
@@ -174,18 +166,20 @@ TEST_F(EngineRecording, AFileThatCannotBeWrittenGivesOneMessageAndNoRecordingCla
 namespace mirabend::test {
 namespace {
 
-TEST(EngineFailures, FatalOnesStopTheRecordingAndAMissingSoundDeviceDoesNot)
-{
+TEST(EngineFailures, FatalOnesStopTheRecordingAndAMissingSoundDeviceDoesNot) {
     EXPECT_FALSE(EngineRecorder::translate({RecorderError::AudioDeviceUnavailable, "no source"}));
-    EXPECT_EQ(EngineRecorder::translate({RecorderError::OutputOpenFailed, "x"}).code, RecordingError::StartRefused);
-    EXPECT_EQ(EngineRecorder::translate({RecorderError::WindowNotFound, "x"}).code, RecordingError::StartRefused);
+    EXPECT_EQ(EngineRecorder::translate({RecorderError::OutputOpenFailed, "x"}).code,
+              RecordingError::StartRefused);
+    EXPECT_EQ(EngineRecorder::translate({RecorderError::WindowNotFound, "x"}).code,
+              RecordingError::StartRefused);
     EXPECT_EQ(EngineRecorder::translate({RecorderError::WriteFailed, "write: No space left on device"}).code,
               RecordingError::DiskFull);
     EXPECT_EQ(EngineRecorder::translate({RecorderError::WriteFailed, "write: Input/output error"}).code,
               RecordingError::WriteFailed);
     EXPECT_EQ(EngineRecorder::translate({RecorderError::AudioSourceLost, "mic"}).code,
               RecordingError::AudioSourceLost);
-    const RecordingFailure closed = EngineRecorder::translate({RecorderError::WindowClosed, "window 7 went away"});
+    const RecordingFailure closed =
+        EngineRecorder::translate({RecorderError::WindowClosed, "window 7 went away"});
     EXPECT_EQ(closed.code, RecordingError::WriteFailed);
     EXPECT_EQ(closed.detail, "window 7 went away");
 }

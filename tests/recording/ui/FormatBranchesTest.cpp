@@ -21,14 +21,12 @@ namespace {
 
 class FormatBranch : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         form = std::make_unique<CaptureOptions_frm>(host, recorder, prompts, clock);
         host.panels[4] = "previous caption";
     }
     // Starts a recording with the dialog answering `file` at `filterIndex`.
-    void record(const QString& file, int filterIndex)
-    {
+    void record(const QString& file, int filterIndex) {
         recorder.clear();
         prompts.answerFile(file, filterIndex);
         form->StartRec();
@@ -42,23 +40,22 @@ protected:
     std::unique_ptr<CaptureOptions_frm> form;
 };
 
-TEST_F(FormatBranch, SaveDialogHasTheTitleAndTheNineFormatsInOrder)
-{
+TEST_F(FormatBranch, SaveDialogHasTheTitleAndTheNineFormatsInOrder) {
     record("/tmp/a.avi", 5);
     ASSERT_EQ(prompts.saveRequests.size(), 1);
     EXPECT_EQ(prompts.saveRequests[0].title, "Select Video Format and Save As");
-    EXPECT_EQ(prompts.saveRequests[0].filter,
-              "Windows Media Video 4:3 Standard (*.WMV)|*.wmv|Windows Media Video 16:9 Widescreen (*.WMV)|*.wmv |"
-              "Windows Media Video 3:2 VistaVision (*.WMV)|*.wmv |Windows Media Video 1.43:1 IMAX (*.WMV)|*.wmv|"
-              "Audio Video Interleave (*.AVI)|*.avi|Flash Video (*.FLV)|*.flv|"
-              "Small Web Format (ShockWave) (*.SWF)|*.swf|MPEG-4 Video (H.264) (*.MP4)|*.mp4|"
-              "Matroska Video (*.MKV)|*.mkv");
+    EXPECT_EQ(
+        prompts.saveRequests[0].filter,
+        "Windows Media Video 4:3 Standard (*.WMV)|*.wmv|Windows Media Video 16:9 Widescreen (*.WMV)|*.wmv |"
+        "Windows Media Video 3:2 VistaVision (*.WMV)|*.wmv |Windows Media Video 1.43:1 IMAX (*.WMV)|*.wmv|"
+        "Audio Video Interleave (*.AVI)|*.avi|Flash Video (*.FLV)|*.flv|"
+        "Small Web Format (ShockWave) (*.SWF)|*.swf|MPEG-4 Video (H.264) (*.MP4)|*.mp4|"
+        "Matroska Video (*.MKV)|*.mkv");
     EXPECT_TRUE(hasCall("OutputFileName(/tmp/a.avi)"));
     EXPECT_TRUE(hasCall("FrameRate(24)"));
 }
 
-TEST_F(FormatBranch, AdvanceProfilePicksTheProfileFileAndItsCaptionPerAspect)
-{
+TEST_F(FormatBranch, AdvanceProfilePicksTheProfileFileAndItsCaptionPerAspect) {
     form->format().optadvprofile->setChecked(true);
     struct Case {
         int filter;
@@ -88,8 +85,7 @@ TEST_F(FormatBranch, AdvanceProfilePicksTheProfileFileAndItsCaptionPerAspect)
     }
 }
 
-TEST_F(FormatBranch, BasicProfileLooksUpTheSystemProfileAndWritesNoCaption)
-{
+TEST_F(FormatBranch, BasicProfileLooksUpTheSystemProfileAndWritesNoCaption) {
     form->format().cboWMV->setCurrentIndex(1);
     record("/tmp/talk.wmv", 3);
     EXPECT_TRUE(hasCall("WmvProfileIndex(1)"));
@@ -101,8 +97,7 @@ TEST_F(FormatBranch, BasicProfileLooksUpTheSystemProfileAndWritesNoCaption)
     EXPECT_EQ(recorder.count("WmvProfileIndex"), 0);
 }
 
-TEST_F(FormatBranch, AviAlwaysRecordsMonoAt11025WithTheChosenSizeAndCompressors)
-{
+TEST_F(FormatBranch, AviAlwaysRecordsMonoAt11025WithTheChosenSizeAndCompressors) {
     FormatOptions& f = form->format();
     f.cboavimp3samplerate->setCurrentIndex(2);
     f.cboavimp3channel->setCurrentIndex(1);
@@ -126,8 +121,7 @@ TEST_F(FormatBranch, AviAlwaysRecordsMonoAt11025WithTheChosenSizeAndCompressors)
     }
 }
 
-TEST_F(FormatBranch, AviWithUnknownCompressorsKeepsTheRecordersOwn)
-{
+TEST_F(FormatBranch, AviWithUnknownCompressorsKeepsTheRecordersOwn) {
     form->devices().cboVideoCompressor->setCurrentIndex(-1);
     recorder.audioList = {"PCM"};
     form->devices().cboAudioCompressor->addItem("Vanished codec");
@@ -137,8 +131,7 @@ TEST_F(FormatBranch, AviWithUnknownCompressorsKeepsTheRecordersOwn)
     EXPECT_EQ(recorder.count("AudioCompressorIndex"), 0);
 }
 
-TEST_F(FormatBranch, FlashFormatsHandBitratesAndSizes)
-{
+TEST_F(FormatBranch, FlashFormatsHandBitratesAndSizes) {
     form->format().flvSize_comb->setCurrentIndex(0);
     record("/tmp/a.flv", 6);
     EXPECT_TRUE(hasCall("OutputFormat(3)"));
@@ -157,8 +150,7 @@ TEST_F(FormatBranch, FlashFormatsHandBitratesAndSizes)
     EXPECT_EQ(host.panels[4], "SWF video 1024x768");
 }
 
-TEST_F(FormatBranch, H264FormatsRecordTheStageAtAnEvenSize)
-{
+TEST_F(FormatBranch, H264FormatsRecordTheStageAtAnEvenSize) {
     record("/tmp/a.mp4", 8);
     EXPECT_TRUE(hasCall("OutputFormat(4)"));
     EXPECT_TRUE(hasCall("VideoSize(580, 434)"));
@@ -170,8 +162,7 @@ TEST_F(FormatBranch, H264FormatsRecordTheStageAtAnEvenSize)
     EXPECT_EQ(host.panels[4], "MKV video 800x600");
 }
 
-TEST_F(FormatBranch, ABitrateThatIsNotANumberStopsTheStartWithAMessage)
-{
+TEST_F(FormatBranch, ABitrateThatIsNotANumberStopsTheStartWithAMessage) {
     form->format().txtflvaudiobitrate->setText("loud");
     record("/tmp/a.flv", 6);
     ASSERT_EQ(prompts.messages.size(), 1);
@@ -186,8 +177,7 @@ TEST_F(FormatBranch, ABitrateThatIsNotANumberStopsTheStartWithAMessage)
     EXPECT_EQ(recorder.count("OutputFileName"), 0);
 }
 
-TEST(FormatFiles, ExtensionsPickTheirBranch)
-{
+TEST(FormatFiles, ExtensionsPickTheirBranch) {
     EXPECT_EQ(options::filterIndexForFile("/x/talk.WMV"), 1);
     EXPECT_EQ(options::filterIndexForFile("talk.avi"), 5);
     EXPECT_EQ(options::filterIndexForFile("talk.flv"), 6);

@@ -8,8 +8,7 @@
 namespace mirabend {
 namespace {
 
-TEST(HardwareEncoders, ListsOnlyHardwareEncodersSortedAndOnce)
-{
+TEST(HardwareEncoders, ListsOnlyHardwareEncodersSortedAndOnce) {
     const auto encoders = hardwareEncoders();
     std::set<std::string> names;
     std::string previous;
@@ -26,13 +25,11 @@ TEST(HardwareEncoders, ListsOnlyHardwareEncodersSortedAndOnce)
     }
 }
 
-TEST(HardwareEncoders, DescriptionSaysWhatIsAvailable)
-{
+TEST(HardwareEncoders, DescriptionSaysWhatIsAvailable) {
     EXPECT_EQ(describeHardwareEncoders({}), "This FFmpeg has no hardware video encoders built in.\n");
     const std::vector<HardwareEncoder> two = {{"h264_vaapi", "VA-API H.264", "vaapi", true},
                                               {"h264_v4l2m2m", "V4L2 mem2mem", "", false}};
-    EXPECT_EQ(describeHardwareEncoders(two),
-              "h264_vaapi  (vaapi)  available\nh264_v4l2m2m  not available\n");
+    EXPECT_EQ(describeHardwareEncoders(two), "h264_vaapi  (vaapi)  available\nh264_v4l2m2m  not available\n");
 }
 
 } // namespace

@@ -20,8 +20,7 @@
 namespace mirabend::test {
 namespace {
 
-QStringList items(const QComboBox* box)
-{
+QStringList items(const QComboBox* box) {
     QStringList list;
     for (int i = 0; i < box->count(); ++i)
         list << box->itemText(i);
@@ -40,8 +39,7 @@ protected:
     std::unique_ptr<CaptureOptions_frm> form;
 };
 
-TEST_F(OptionsWindow, FormatPageStartsWithTheDesignedValues)
-{
+TEST_F(OptionsWindow, FormatPageStartsWithTheDesignedValues) {
     const FormatOptions& f = form->format();
     EXPECT_EQ(f.txtfps->text(), "24");
     EXPECT_EQ(items(f.aviSize_comb), QStringList({"320x240 Low Quality", "640x480 Hight Qaulity",
@@ -70,8 +68,7 @@ TEST_F(OptionsWindow, FormatPageStartsWithTheDesignedValues)
     EXPECT_EQ(f.txtheight->text(), "700");
 }
 
-TEST_F(OptionsWindow, CapturePageStartsWithTheRecordersListsAndPreferredCompressors)
-{
+TEST_F(OptionsWindow, CapturePageStartsWithTheRecordersListsAndPreferredCompressors) {
     const DeviceOptions& d = form->devices();
     EXPECT_EQ(d.txtwinhandle->text(), "4242");
     EXPECT_EQ(items(d.cboVideoCompressor), recorder.videoList);
@@ -89,8 +86,7 @@ TEST_F(OptionsWindow, CapturePageStartsWithTheRecordersListsAndPreferredCompress
     EXPECT_FALSE(form->format().txtavimp3bitrate->isEnabled());
 }
 
-TEST_F(OptionsWindow, OverlayPageStartsWithItsListsAndEverythingSwitchedOff)
-{
+TEST_F(OptionsWindow, OverlayPageStartsWithItsListsAndEverythingSwitchedOff) {
     const OverlayOptions& o = form->overlay();
     EXPECT_EQ(items(o.cbotextstyle), recorder.textStyles);
     EXPECT_EQ(o.cbotextstyle->currentIndex(), 0);
@@ -103,15 +99,15 @@ TEST_F(OptionsWindow, OverlayPageStartsWithItsListsAndEverythingSwitchedOff)
         EXPECT_EQ(sizes->currentText(), "28");
     }
     EXPECT_EQ(items(o.cbofontstyle), QStringList({"Regular", "Bold", "Italic", "BoldItalic", "Underline"}));
-    EXPECT_EQ(items(o.cbodatefontname), QStringList({"Arial", "Arial Black", "Comic Sans MS", "Times New Roman"}));
+    EXPECT_EQ(items(o.cbodatefontname),
+              QStringList({"Arial", "Arial Black", "Comic Sans MS", "Times New Roman"}));
     EXPECT_EQ(o.cbofontname->currentIndex(), 0);
     EXPECT_FALSE(o.chkuseoverlay->isChecked());
     for (const QWidget* w : o.overlayFields())
         EXPECT_FALSE(w->isEnabled()) << w->objectName().toStdString();
 }
 
-TEST_F(OptionsWindow, ASecondWindowShowsTheDefaultsWhateverWasChosenBefore)
-{
+TEST_F(OptionsWindow, ASecondWindowShowsTheDefaultsWhateverWasChosenBefore) {
     form->format().aviSize_comb->setCurrentIndex(4);
     form->format().txtfps->setText("10");
     form->devices().cboVideoCompressor->setCurrentIndex(0);
@@ -121,8 +117,7 @@ TEST_F(OptionsWindow, ASecondWindowShowsTheDefaultsWhateverWasChosenBefore)
     EXPECT_EQ(form->devices().cboVideoCompressor->currentText(), "Microsoft Video 1");
 }
 
-TEST_F(OptionsWindow, MissingDevicesAndCompressorsLeaveListsWithoutSelection)
-{
+TEST_F(OptionsWindow, MissingDevicesAndCompressorsLeaveListsWithoutSelection) {
     recorder.devices.clear();
     recorder.videoList = {"Cinepak"};
     recorder.audioList = {"GSM 6.10"};
@@ -136,8 +131,7 @@ TEST_F(OptionsWindow, MissingDevicesAndCompressorsLeaveListsWithoutSelection)
     EXPECT_FALSE(recorder.called("SelectAudioDevice(0)"));
 }
 
-TEST_F(OptionsWindow, ChoosingADeviceRefillsItsInputsAndADeviceWithoutInputsLeavesThemEmpty)
-{
+TEST_F(OptionsWindow, ChoosingADeviceRefillsItsInputsAndADeviceWithoutInputsLeavesThemEmpty) {
     DeviceOptions& d = form->devices();
     d.cboaudiodevice->setCurrentIndex(1);
     EXPECT_TRUE(recorder.called("SelectAudioDevice(1)"));
@@ -148,8 +142,7 @@ TEST_F(OptionsWindow, ChoosingADeviceRefillsItsInputsAndADeviceWithoutInputsLeav
     EXPECT_EQ(d.cboaudioinputpin->count(), 0);
 }
 
-TEST_F(OptionsWindow, CompressorChoicesSwitchTheirFields)
-{
+TEST_F(OptionsWindow, CompressorChoicesSwitchTheirFields) {
     DeviceOptions& d = form->devices();
     FormatOptions& f = form->format();
     d.cboAudioCompressor->setCurrentIndex(0); // "MPEG Layer-3"
@@ -172,8 +165,7 @@ TEST_F(OptionsWindow, CompressorChoicesSwitchTheirFields)
     EXPECT_TRUE(d.txtwinhandle->isEnabled());
 }
 
-TEST_F(OptionsWindow, CompressorSettingsPageOrNoPropertyPage)
-{
+TEST_F(OptionsWindow, CompressorSettingsPageOrNoPropertyPage) {
     recorder.compressorsWithPage = {2};
     form->devices().cmdVideoCompSetting->click();
     ASSERT_EQ(prompts.messages.size(), 1);
@@ -184,8 +176,7 @@ TEST_F(OptionsWindow, CompressorSettingsPageOrNoPropertyPage)
     EXPECT_EQ(prompts.messages.size(), 1);
 }
 
-TEST_F(OptionsWindow, ZoomInHandsTheFieldsAndZoomOutTheWholeScreen)
-{
+TEST_F(OptionsWindow, ZoomInHandsTheFieldsAndZoomOutTheWholeScreen) {
     DeviceOptions& d = form->devices();
     d.txtzoomleft->setText("10");
     d.txtzoomtop->setText(" 20 ");
@@ -202,8 +193,7 @@ TEST_F(OptionsWindow, ZoomInHandsTheFieldsAndZoomOutTheWholeScreen)
     EXPECT_EQ(prompts.messages[0].title, "Mirabend 1.0");
 }
 
-TEST_F(OptionsWindow, AccelerationButtonSaysSoWhenTheHelperIsMissing)
-{
+TEST_F(OptionsWindow, AccelerationButtonSaysSoWhenTheHelperIsMissing) {
     qputenv("MIRABEND_DATA_DIR", "/nonexistent-mirabend-folder");
     form->devices().Command3->click();
     ASSERT_EQ(prompts.messages.size(), 1);
@@ -211,8 +201,7 @@ TEST_F(OptionsWindow, AccelerationButtonSaysSoWhenTheHelperIsMissing)
     qunsetenv("MIRABEND_DATA_DIR");
 }
 
-TEST_F(OptionsWindow, OkAndCancelOnlyPutTheWindowAwayAndUndoNothing)
-{
+TEST_F(OptionsWindow, OkAndCancelOnlyPutTheWindowAwayAndUndoNothing) {
     form->showOptions();
     EXPECT_TRUE(form->isVisible());
     form->format().txtfps->setText("15");
@@ -227,8 +216,7 @@ TEST_F(OptionsWindow, OkAndCancelOnlyPutTheWindowAwayAndUndoNothing)
     EXPECT_FALSE(form->isVisible());
 }
 
-TEST_F(OptionsWindow, ProfileFileChoiceAsksForAPrxAndClearsWhenUnchecked)
-{
+TEST_F(OptionsWindow, ProfileFileChoiceAsksForAPrxAndClearsWhenUnchecked) {
     FormatOptions& f = form->format();
     prompts.answerFile("/profiles/my.prx");
     f.chkProfileFile->click();

@@ -1,8 +1,9 @@
 // The overlay page: what each field hands to the recorder, and which colour
 // fields each text style switches on.
+#include "recording/ui/OverlayOptions.h"
+
 #include "RecordingFakes.h"
 #include "recording/ui/CaptureOptions_frm.h"
-#include "recording/ui/OverlayOptions.h"
 #include "support/FakeClock.h"
 #include "support/ScriptedPrompts.h"
 
@@ -19,8 +20,7 @@ namespace {
 
 class OverlayPage : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         form = std::make_unique<CaptureOptions_frm>(host, recorder, prompts, clock);
         o = &form->overlay();
         o->chkuseoverlay->click();
@@ -35,8 +35,7 @@ protected:
     OverlayOptions* o = nullptr;
 };
 
-TEST_F(OverlayPage, MasterSwitchTurnsEveryFieldAndTheDrawingOnAndOff)
-{
+TEST_F(OverlayPage, MasterSwitchTurnsEveryFieldAndTheDrawingOnAndOff) {
     for (const QWidget* w : o->overlayFields())
         EXPECT_TRUE(w->isEnabled()) << w->objectName().toStdString();
     o->chkshowtext->click();
@@ -51,15 +50,16 @@ TEST_F(OverlayPage, MasterSwitchTurnsEveryFieldAndTheDrawingOnAndOff)
     EXPECT_TRUE(recorder.called("ShowDateTime(false)"));
 }
 
-TEST_F(OverlayPage, TextStylesSwitchOnlyTheColourFieldsTheyUse)
-{
+TEST_F(OverlayPage, TextStylesSwitchOnlyTheColourFieldsTheyUse) {
     struct Expect {
         int style;
         bool solid, border, back, hatch, texture;
     };
     const Expect table[] = {
-        {1, false, true, false, false, false}, {0, true, false, false, false, false},
-        {2, false, true, true, false, false},  {3, false, false, false, true, false},
+        {1, false, true, false, false, false},
+        {0, true, false, false, false, false},
+        {2, false, true, true, false, false},
+        {3, false, false, false, true, false},
     };
     for (const Expect& e : table) {
         o->cbotextstyle->setCurrentIndex(e.style);
@@ -81,8 +81,7 @@ TEST_F(OverlayPage, TextStylesSwitchOnlyTheColourFieldsTheyUse)
     EXPECT_TRUE(o->cmdoutlineback->isEnabled());
 }
 
-TEST_F(OverlayPage, DateFieldsHandTheirValues)
-{
+TEST_F(OverlayPage, DateFieldsHandTheirValues) {
     o->txtdateleft->setText("30");
     o->txtdatetop->setText("40");
     o->cboDateFormat->setCurrentIndex(2);
@@ -92,7 +91,8 @@ TEST_F(OverlayPage, DateFieldsHandTheirValues)
     EXPECT_EQ(recorder.calls.last(), "DateTimeLayout(2, 30, 45)");
     // A size change hands the font name again, before the size.
     o->cbodatefontsize->setCurrentIndex(3);
-    EXPECT_EQ(recorder.calls.mid(recorder.calls.size() - 2), QStringList({"DateFontName(Arial)", "DateFontSize(14)"}));
+    EXPECT_EQ(recorder.calls.mid(recorder.calls.size() - 2),
+              QStringList({"DateFontName(Arial)", "DateFontSize(14)"}));
     o->cbodatefontstyle->setCurrentIndex(2);
     EXPECT_EQ(recorder.calls.last(), "DateFontStyle(2)");
     prompts.answerColor(QColor(255, 0, 0));
@@ -102,8 +102,7 @@ TEST_F(OverlayPage, DateFieldsHandTheirValues)
     EXPECT_EQ(recorder.calls.last(), "ShowDateTime(true)");
 }
 
-TEST_F(OverlayPage, DrawTextHandsTrimmedLinesJoinedByLineFeedAndReturn)
-{
+TEST_F(OverlayPage, DrawTextHandsTrimmedLinesJoinedByLineFeedAndReturn) {
     o->txtText->setText("  Welcome ");
     o->txtText2->setText(" Part two");
     o->txttextleft->setText("5");
@@ -119,8 +118,7 @@ TEST_F(OverlayPage, DrawTextHandsTrimmedLinesJoinedByLineFeedAndReturn)
     EXPECT_TRUE(prompts.messages[0].text.contains("6px"));
 }
 
-TEST_F(OverlayPage, FontAndBrushChoicesReachTheRecorder)
-{
+TEST_F(OverlayPage, FontAndBrushChoicesReachTheRecorder) {
     o->cbofontname->setCurrentIndex(2);
     EXPECT_EQ(recorder.calls.mid(recorder.calls.size() - 2),
               QStringList({"TextFontName(Comic Sans MS, 0)", "TextFontSize(28, 0)"}));
@@ -142,8 +140,7 @@ TEST_F(OverlayPage, FontAndBrushChoicesReachTheRecorder)
     EXPECT_TRUE(recorder.calls.isEmpty());
 }
 
-TEST_F(OverlayPage, ImagesAreChosenWithTheImageFilterAndHandedAtOnce)
-{
+TEST_F(OverlayPage, ImagesAreChosenWithTheImageFilterAndHandedAtOnce) {
     prompts.answerFile("/pics/logo.bmp");
     o->txtimageleft->setText("7");
     o->txtimagetop->setText("8");

@@ -22,9 +22,11 @@ public:
     QStringList devices{QStringLiteral("Monitor of Null Output"), QStringLiteral("Sine source")};
     QMap<int, QStringList> pins{{0, {QStringLiteral("Line")}},
                                 {1, {QStringLiteral("Mic"), QStringLiteral("Headset")}}};
-    QStringList dateFormats{QStringLiteral("f0"), QStringLiteral("f1"), QStringLiteral("f2"),
-                            QStringLiteral("f3"), QStringLiteral("f4"), QStringLiteral("f5"),
-                            QStringLiteral("f6"), QStringLiteral("mm/dd/yyyy hh:mm:ss"), QStringLiteral("f8")};
+    QStringList dateFormats{QStringLiteral("f0"), QStringLiteral("f1"),
+                            QStringLiteral("f2"), QStringLiteral("f3"),
+                            QStringLiteral("f4"), QStringLiteral("f5"),
+                            QStringLiteral("f6"), QStringLiteral("mm/dd/yyyy hh:mm:ss"),
+                            QStringLiteral("f8")};
     QStringList textStyles{QStringLiteral("Normal"), QStringLiteral("Outline Text"),
                            QStringLiteral("Filled Outline"), QStringLiteral("Hatch Brush"),
                            QStringLiteral("TextureBrush")};
@@ -36,8 +38,7 @@ public:
 
     void clear() { calls.clear(); }
     bool called(const QString& call) const { return calls.contains(call); }
-    int count(const QString& prefix) const
-    {
+    int count(const QString& prefix) const {
         int n = 0;
         for (const QString& c : calls)
             n += c.startsWith(prefix) ? 1 : 0;
@@ -54,12 +55,15 @@ public:
     void OutputFormat(RecorderFormat f) override { log("OutputFormat", {n(static_cast<int>(f))}); }
     QStringList videoCompressors() const override { return videoList; }
     QStringList audioCompressors() const override { return audioList; }
-    int findVideoCompressor(const QString& name) const override { return static_cast<int>(videoList.indexOf(name)); }
-    int findAudioCompressor(const QString& name) const override { return static_cast<int>(audioList.indexOf(name)); }
+    int findVideoCompressor(const QString& name) const override {
+        return static_cast<int>(videoList.indexOf(name));
+    }
+    int findAudioCompressor(const QString& name) const override {
+        return static_cast<int>(audioList.indexOf(name));
+    }
     void VideoCompressorIndex(int v) override { log("VideoCompressorIndex", {n(v)}); }
     void AudioCompressorIndex(int v) override { log("AudioCompressorIndex", {n(v)}); }
-    bool showVideoCompressorSettings(int index) override
-    {
+    bool showVideoCompressorSettings(int index) override {
         log("showVideoCompressorSettings", {n(index)});
         return compressorsWithPage.contains(index);
     }
@@ -70,7 +74,9 @@ public:
     void AviSize(int w, int h) override { log("AviSize", {n(w), n(h)}); }
     void WmvSwitch(bool v) override { log("WmvSwitch", {b(v)}); }
     QStringList wmvSystemProfiles() const override { return profiles; }
-    int findWmvSystemProfile(const QString& name) const override { return static_cast<int>(profiles.indexOf(name)); }
+    int findWmvSystemProfile(const QString& name) const override {
+        return static_cast<int>(profiles.indexOf(name));
+    }
     void WmvProfileIndex(int v) override { log("WmvProfileIndex", {n(v)}); }
     void WmvProfileFile(const QString& p) override { log("WmvProfileFile", {p}); }
     void FlvBitrates(double a, double v) override { log("FlvBitrates", {n(a), n(v)}); }
@@ -78,8 +84,7 @@ public:
     void SwfBitrates(double a, double v) override { log("SwfBitrates", {n(a), n(v)}); }
     void SwfSize(int w, int h) override { log("SwfSize", {n(w), n(h)}); }
     void VideoSize(int w, int h) override { log("VideoSize", {n(w), n(h)}); }
-    bool StartCapture() override
-    {
+    bool StartCapture() override {
         log("StartCapture", {});
         if (startSucceeds)
             currentFailure = {};
@@ -90,8 +95,7 @@ public:
     void ResumeCapture() override { log("ResumeCapture", {}); }
     RecordingFailure failure() const override { return currentFailure; }
     QStringList audioDevices() const override { return devices; }
-    void SelectAudioDevice(int index) override
-    {
+    void SelectAudioDevice(int index) override {
         selectedDevice = index;
         log("SelectAudioDevice", {n(index)});
     }
@@ -114,11 +118,12 @@ public:
     void TextFontSize(int p, int r) override { log("TextFontSize", {n(p), n(r)}); }
     void TextStyle(int s, int r) override { log("TextStyle", {n(s), n(r)}); }
     void TextColors(QRgb s, QRgb o, QRgb f) override { log("TextColors", {rgb(s), rgb(o), rgb(f)}); }
-    void HatchBrush(QRgb f, QRgb bk, int i, int r) override { log("HatchBrush", {rgb(f), rgb(bk), n(i), n(r)}); }
+    void HatchBrush(QRgb f, QRgb bk, int i, int r) override {
+        log("HatchBrush", {rgb(f), rgb(bk), n(i), n(r)});
+    }
     void TextureImage(const QString& p, int r) override { log("TextureImage", {p, n(r)}); }
     void ShowImage(bool v) override { log("ShowImage", {b(v)}); }
-    void Image(const QString& p, QRgb c, int l, int t, int tr, int r) override
-    {
+    void Image(const QString& p, QRgb c, int l, int t, int tr, int r) override {
         log("Image", {p, rgb(c), n(l), n(t), n(tr), n(r)});
     }
 
@@ -126,8 +131,7 @@ private:
     static QString n(double v) { return QString::number(v, 'g', 12); }
     static QString b(bool v) { return v ? QStringLiteral("true") : QStringLiteral("false"); }
     static QString rgb(QRgb c) { return QStringLiteral("#%1").arg(c & 0xFFFFFF, 6, 16, QLatin1Char('0')); }
-    void log(const char* name, const QStringList& args)
-    {
+    void log(const char* name, const QStringList& args) {
         calls << QLatin1String(name) + QLatin1Char('(') + args.join(QStringLiteral(", ")) + QLatin1Char(')');
     }
 };
@@ -162,8 +166,7 @@ public:
     void setToolbarButtonEnabled(int position, bool enabled) override { toolbar[position] = enabled; }
     void setRecordItemEnabled(const QString& key, bool enabled) override { recordItems[key] = enabled; }
     void redrawTaskPane() override { ++redraws; }
-    void setTopMost(bool on) override
-    {
+    void setTopMost(bool on) override {
         topMost = on;
         topMostCalls << on;
     }

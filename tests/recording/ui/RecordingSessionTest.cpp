@@ -1,16 +1,17 @@
 // The recording session: warm-up, start, pause, resume and stop, the three
 // timers, the clock and what the main window shows at each step.
+#include "recording/ui/RecordingSession.h"
+
 #include "RecordingFakes.h"
 #include "recording/ui/CaptureOptions_frm.h"
 #include "recording/ui/DeviceOptions.h"
-#include "recording/ui/RecordingSession.h"
 #include "support/FakeClock.h"
 #include "support/ScriptedPrompts.h"
 
 #include <QCheckBox>
 #include <QCoreApplication>
-#include <QRegularExpression>
 #include <QElapsedTimer>
+#include <QRegularExpression>
 #include <QTimer>
 #include <gtest/gtest.h>
 #include <memory>
@@ -22,24 +23,22 @@ using State = RecordingSession::State;
 
 class Session : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         form = std::make_unique<CaptureOptions_frm>(host, recorder, prompts, clock);
         session = &form->session();
         recorder.clear();
     }
     // Warm-up, dialog answered, capture started: the usual way in.
-    void startRecording(const QString& file = "/tmp/talk.avi", int filterIndex = 5)
-    {
+    void startRecording(const QString& file = "/tmp/talk.avi", int filterIndex = 5) {
         prompts.answerFile(file, filterIndex);
         form->StartRecPre();
         session->pre_Timer_Timer();
         clock.advanceMs(50);
         session->wait_Timer_Timer();
     }
-    bool anyTimerActive() const
-    {
-        return session->pre_Timer->isActive() || session->wait_Timer->isActive() || session->Timer2->isActive();
+    bool anyTimerActive() const {
+        return session->pre_Timer->isActive() || session->wait_Timer->isActive() ||
+               session->Timer2->isActive();
     }
 
     FakeRecorder recorder;
@@ -50,8 +49,7 @@ protected:
     RecordingSession* session = nullptr;
 };
 
-TEST_F(Session, TimersAreFiftyMillisecondsAndOffAtFirst)
-{
+TEST_F(Session, TimersAreFiftyMillisecondsAndOffAtFirst) {
     for (const QTimer* t : {session->pre_Timer, session->wait_Timer, session->Timer2}) {
         EXPECT_EQ(t->interval(), 50);
         EXPECT_FALSE(t->isActive());
@@ -59,8 +57,7 @@ TEST_F(Session, TimersAreFiftyMillisecondsAndOffAtFirst)
     EXPECT_EQ(session->state(), State::Idle);
 }
 
-TEST_F(Session, WarmUpRecordsTheScratchFileThenAsksForTheRealOne)
-{
+TEST_F(Session, WarmUpRecordsTheScratchFileThenAsksForTheRealOne) {
     form->StartRecPre();
     EXPECT_TRUE(host.noticeVisible);
     EXPECT_EQ(session->state(), State::WarmUp);
@@ -111,8 +108,7 @@ TEST_F(Session, WarmUpRecordsTheScratchFileThenAsksForTheRealOne)
     EXPECT_EQ(session->state(), State::Recording);
 }
 
-TEST_F(Session, CancelledSaveDialogLeavesNothingRunning)
-{
+TEST_F(Session, CancelledSaveDialogLeavesNothingRunning) {
     form->StartRecPre();
     session->pre_Timer_Timer();
     EXPECT_EQ(session->state(), State::Idle);
@@ -129,8 +125,7 @@ TEST_F(Session, CancelledSaveDialogLeavesNothingRunning)
     EXPECT_EQ(host.text4, "run");
 }
 
-TEST_F(Session, ClockShowsWallTimeUntilTheFirstPauseThenTimeWithoutPauses)
-{
+TEST_F(Session, ClockShowsWallTimeUntilTheFirstPauseThenTimeWithoutPauses) {
     host.state = "R";
     startRecording();
     clock.advanceMs(950); // one second since the start request
@@ -143,15 +138,14 @@ TEST_F(Session, ClockShowsWallTimeUntilTheFirstPauseThenTimeWithoutPauses)
     clock.advanceMs(5000);
     form->PauseRec(); // only the second pause time counts
     clock.advanceMs(20000);
-    form->ResumeRec(); // paused for 20 s
+    form->ResumeRec();                   // paused for 20 s
     clock.advanceMs(3000 + 3600 * 1000); // 1 h 38 s total
     session->Timer2_Timer();
     EXPECT_EQ(host.panels[5], "01:00:18");
     EXPECT_EQ(host.elapsed, "01:00:18");
 }
 
-TEST_F(Session, ResumeWithoutPauseSubtractsTheTimeSinceTheEmptyPauseTime)
-{
+TEST_F(Session, ResumeWithoutPauseSubtractsTheTimeSinceTheEmptyPauseTime) {
     startRecording();
     const QDateTime resumeAt = clock.now();
     form->ResumeRec();
@@ -162,8 +156,7 @@ TEST_F(Session, ResumeWithoutPauseSubtractsTheTimeSinceTheEmptyPauseTime)
     EXPECT_EQ(host.panels[5], RecordingSession::formatElapsed(total - paused));
 }
 
-TEST_F(Session, PauseAndResumeBracketTheRecording)
-{
+TEST_F(Session, PauseAndResumeBracketTheRecording) {
     startRecording();
     recorder.clear();
     form->PauseRec();
@@ -183,8 +176,7 @@ TEST_F(Session, PauseAndResumeBracketTheRecording)
     EXPECT_EQ(host.state, "P");
 }
 
-TEST_F(Session, StopWhilePausedStopsWithoutResuming)
-{
+TEST_F(Session, StopWhilePausedStopsWithoutResuming) {
     host.panels[4] = "AVI video 640x480";
     startRecording();
     form->PauseRec();
@@ -197,8 +189,7 @@ TEST_F(Session, StopWhilePausedStopsWithoutResuming)
     EXPECT_EQ(session->state(), State::Stopped);
 }
 
-TEST_F(Session, StopActsInAnyStateAndEndsAWaitingStart)
-{
+TEST_F(Session, StopActsInAnyStateAndEndsAWaitingStart) {
     form->StopRec();
     EXPECT_EQ(recorder.calls, QStringList({"StopCapture()"}));
     EXPECT_EQ(host.panels[1], "Stoped ...");
@@ -209,16 +200,14 @@ TEST_F(Session, StopActsInAnyStateAndEndsAWaitingStart)
     EXPECT_FALSE(session->wait_Timer->isActive());
 }
 
-TEST_F(Session, PauseAndResumeWithoutARecordingClaimNothingRunning)
-{
+TEST_F(Session, PauseAndResumeWithoutARecordingClaimNothingRunning) {
     form->PauseRec();
     form->ResumeRec();
     EXPECT_EQ(recorder.calls, QStringList({"PauseCapture()", "ResumeCapture()"}));
     EXPECT_NE(host.panels[1], "Recording ...");
 }
 
-TEST_F(Session, RefusedStartShowsOneMessageAndNeverClaimsRecording)
-{
+TEST_F(Session, RefusedStartShowsOneMessageAndNeverClaimsRecording) {
     recorder.startSucceeds = false;
     recorder.currentFailure = RecordingFailure(RecordingError::StartRefused, "no display :99");
     startRecording();
@@ -236,8 +225,7 @@ TEST_F(Session, RefusedStartShowsOneMessageAndNeverClaimsRecording)
     EXPECT_FALSE(host.topMost);
 }
 
-TEST_F(Session, FailureWhileRecordingStopsAndClosesTheFileOnce)
-{
+TEST_F(Session, FailureWhileRecordingStopsAndClosesTheFileOnce) {
     startRecording();
     session->Timer2_Timer();
     EXPECT_TRUE(prompts.messages.isEmpty());
@@ -253,8 +241,7 @@ TEST_F(Session, FailureWhileRecordingStopsAndClosesTheFileOnce)
     EXPECT_EQ(session->state(), State::Stopped);
 }
 
-TEST_F(Session, FailureDuringAPauseIsReportedOnResume)
-{
+TEST_F(Session, FailureDuringAPauseIsReportedOnResume) {
     startRecording();
     form->PauseRec();
     recorder.currentFailure = RecordingFailure(RecordingError::AudioSourceLost, "source mic went away");
@@ -265,8 +252,7 @@ TEST_F(Session, FailureDuringAPauseIsReportedOnResume)
     EXPECT_FALSE(session->Timer2->isActive());
 }
 
-TEST_F(Session, RecordingToAGivenFileSkipsTheDialog)
-{
+TEST_F(Session, RecordingToAGivenFileSkipsTheDialog) {
     EXPECT_EQ(form->StartRecTo("/tmp/talk.mov").code, StartToError::UnknownFormat);
     EXPECT_TRUE(recorder.calls.isEmpty());
     EXPECT_FALSE(form->StartRecTo("/tmp/talk.flv"));
@@ -284,8 +270,7 @@ TEST_F(Session, RecordingToAGivenFileSkipsTheDialog)
     EXPECT_FALSE(form->StartRecTo("/tmp/other.avi"));
 }
 
-TEST_F(Session, RealTimersCarryAWarmUpIntoARunningRecording)
-{
+TEST_F(Session, RealTimersCarryAWarmUpIntoARunningRecording) {
     ASSERT_FALSE(form->StartRecPreTo("/tmp/talk.mkv"));
     QElapsedTimer waited;
     waited.start();
@@ -302,8 +287,7 @@ TEST_F(Session, RealTimersCarryAWarmUpIntoARunningRecording)
     form->StopRec();
 }
 
-TEST(ElapsedFormat, HoursMinutesSecondsWrappingLikeATimeOfDay)
-{
+TEST(ElapsedFormat, HoursMinutesSecondsWrappingLikeATimeOfDay) {
     EXPECT_EQ(RecordingSession::formatElapsed(0), "00:00:00");
     EXPECT_EQ(RecordingSession::formatElapsed(59999), "00:00:59");
     EXPECT_EQ(RecordingSession::formatElapsed(3723000), "01:02:03");

@@ -5,9 +5,9 @@
 #include <cstdio>
 #include <cstring>
 
-int main(int argc, char** argv)
-{
-    for (const mirabend::CommandLineTool* tool : {&mirabend::kRemoteCommandTool, &mirabend::kRemoteRecordToTool}) {
+int main(int argc, char** argv) {
+    for (const mirabend::CommandLineTool* tool :
+         {&mirabend::kRemoteCommandTool, &mirabend::kRemoteRecordToTool}) {
         for (int i = 1; i < argc; ++i) {
             if (std::strcmp(argv[i], tool->option) == 0)
                 return tool->run(argc, argv);

@@ -1,9 +1,10 @@
 // The D-Bus remote control end to end: a private bus daemon, the service in
 // this process, and the client modes run as a separate program.
+#include "recording/ui/remote/RemoteControl.h"
+
 #include "RecordingFakes.h"
 #include "recording/ui/CaptureOptions_frm.h"
 #include "recording/ui/remote/RemoteClient.h"
-#include "recording/ui/remote/RemoteControl.h"
 #include "support/ChildProcess.h"
 #include "support/FakeClock.h"
 #include "support/ScriptedPrompts.h"
@@ -24,13 +25,12 @@ namespace {
 // A dbus-daemon of our own, on a fresh address, stopped by its process id.
 class PrivateBus {
 public:
-    PrivateBus()
-    {
+    PrivateBus() {
         int fds[2];
         if (pipe(fds) != 0)
             return;
-        m_daemon.start({"dbus-daemon", "--session", "--nofork", "--print-address=" + std::to_string(fds[1])}, {},
-                       {}, fds[1]);
+        m_daemon.start({"dbus-daemon", "--session", "--nofork", "--print-address=" + std::to_string(fds[1])},
+                       {}, {}, fds[1]);
         close(fds[1]);
         std::string line;
         char c = 0;
@@ -56,37 +56,32 @@ struct ClientRun {
 
 class RemoteControl : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         if (!haveProgram("dbus-daemon"))
             GTEST_SKIP() << "dbus-daemon is not installed";
         bus = std::make_unique<PrivateBus>();
         ASSERT_FALSE(bus->address().empty()) << "dbus-daemon gave no address";
-        connection = std::make_unique<QDBusConnection>(
-            QDBusConnection::connectToBus(QString::fromStdString(bus->address()), QStringLiteral("remote-test")));
+        connection = std::make_unique<QDBusConnection>(QDBusConnection::connectToBus(
+            QString::fromStdString(bus->address()), QStringLiteral("remote-test")));
         ASSERT_TRUE(connection->isConnected());
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         service.reset();
         connection.reset();
         QDBusConnection::disconnectFromBus(QStringLiteral("remote-test"));
         bus.reset();
     }
-    void publish()
-    {
-        service = std::make_unique<RemoteControlService>(
-            [this](const QString& key) { commands << key; },
-            [this](const QString& file) {
-                files << file;
-                return recordAnswer(file);
-            });
+    void publish() {
+        service = std::make_unique<RemoteControlService>([this](const QString& key) { commands << key; },
+                                                         [this](const QString& file) {
+                                                             files << file;
+                                                             return recordAnswer(file);
+                                                         });
         ASSERT_FALSE(service->registerOn(*connection));
     }
     // Runs the client program and keeps this process's event loop going, so
     // the service here can answer it.
-    ClientRun client(const QStringList& args, const QString& busAddress = {})
-    {
+    ClientRun client(const QStringList& args, const QString& busAddress = {}) {
         QProcess process;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert("DBUS_SESSION_BUS_ADDRESS",
@@ -115,21 +110,21 @@ protected:
     std::unique_ptr<PrivateBus> bus;
     std::unique_ptr<QDBusConnection> connection;
     std::unique_ptr<RemoteControlService> service;
-    std::function<QString(const QString&)> recordAnswer = [](const QString&) { return QString(); };
+    std::function<QString(const QString&)> recordAnswer = [](const QString&) {
+        return QString();
+    };
     QStringList commands;
     QStringList files;
 };
 
-TEST_F(RemoteControl, CommandKeyArrivesOnceAsGiven)
-{
+TEST_F(RemoteControl, CommandKeyArrivesOnceAsGiven) {
     publish();
     const ClientRun run = client({"--command", "pause"});
     EXPECT_EQ(run.exitCode, 0) << run.errorOutput.toStdString();
     EXPECT_EQ(commands, QStringList({"pause"}));
 }
 
-TEST_F(RemoteControl, RecordToSendsAnAbsolutePathAndReportsARefusal)
-{
+TEST_F(RemoteControl, RecordToSendsAnAbsolutePathAndReportsARefusal) {
     publish();
     ClientRun run = client({"--record-to", "talk.mp4"});
     EXPECT_EQ(run.exitCode, 0) << run.errorOutput.toStdString();
@@ -137,14 +132,16 @@ TEST_F(RemoteControl, RecordToSendsAnAbsolutePathAndReportsARefusal)
     EXPECT_TRUE(files[0].startsWith('/'));
     EXPECT_TRUE(files[0].endsWith("/talk.mp4"));
 
-    recordAnswer = [](const QString&) { return QStringLiteral("a recording is already under way"); };
+    recordAnswer = [](const QString&) {
+        return QStringLiteral("a recording is already under way");
+    };
     run = client({"--record-to", "/tmp/other.avi"});
     EXPECT_EQ(run.exitCode, 1);
-    EXPECT_TRUE(run.errorOutput.contains("a recording is already under way")) << run.errorOutput.toStdString();
+    EXPECT_TRUE(run.errorOutput.contains("a recording is already under way"))
+        << run.errorOutput.toStdString();
 }
 
-TEST_F(RemoteControl, WithoutARunningInstanceTheClientSaysSoAndFails)
-{
+TEST_F(RemoteControl, WithoutARunningInstanceTheClientSaysSoAndFails) {
     ClientRun run = client({"--command", "record"});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_TRUE(run.errorOutput.contains("Mirabend is not running")) << run.errorOutput.toStdString();
@@ -157,18 +154,16 @@ TEST_F(RemoteControl, WithoutARunningInstanceTheClientSaysSoAndFails)
     EXPECT_EQ(run.exitCode, 2);
 }
 
-TEST_F(RemoteControl, ASecondInstanceCannotTakeTheName)
-{
+TEST_F(RemoteControl, ASecondInstanceCannotTakeTheName) {
     publish();
-    QDBusConnection other =
-        QDBusConnection::connectToBus(QString::fromStdString(bus->address()), QStringLiteral("remote-test-2"));
+    QDBusConnection other = QDBusConnection::connectToBus(QString::fromStdString(bus->address()),
+                                                          QStringLiteral("remote-test-2"));
     RemoteControlService second([](const QString&) {}, [](const QString&) { return QString(); });
     EXPECT_EQ(second.registerOn(other).code, RemoteError::NameTaken);
     QDBusConnection::disconnectFromBus(QStringLiteral("remote-test-2"));
 }
 
-TEST_F(RemoteControl, RecordToStartsTheWarmUpOfARealOptionsWindow)
-{
+TEST_F(RemoteControl, RecordToStartsTheWarmUpOfARealOptionsWindow) {
     FakeRecorder recorder;
     FakeHost host;
     ScriptedPrompts prompts;
