@@ -1,0 +1,100 @@
+#include "MediaProbe.h"
+
+#include "recording/engine/FfmpegHandles.h"
+
+#include <cmath>
+
+namespace mirabend::test {
+
+MediaInfo probe(const std::string& file)
+{
+    MediaInfo info;
+    AVFormatContext* raw = nullptr;
+    if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
+        return info;
+    InputContextPtr input(raw);
+    if (avformat_find_stream_info(input.get(), nullptr) < 0)
+        return info;
+    info.opened = true;
+    int videoIndex = -1;
+    int audioIndex = -1;
+    CodecContextPtr decoder;
+    for (unsigned i = 0; i < input->nb_streams; ++i) {
+        const AVCodecParameters* p = input->streams[i]->codecpar;
+        if (p->codec_type == AVMEDIA_TYPE_VIDEO && videoIndex < 0) {
+            videoIndex = int(i);
+            info.videoCodec = avcodec_get_name(p->codec_id);
+            info.width = p->width;
+            info.height = p->height;
+        } else if (p->codec_type == AVMEDIA_TYPE_AUDIO && audioIndex < 0) {
+            audioIndex = int(i);
+            info.audioCodec = avcodec_get_name(p->codec_id);
+            info.sampleRate = p->sample_rate;
+            info.channels = p->ch_layout.nb_channels;
+            const AVCodec* codec = avcodec_find_decoder(p->codec_id);
+            decoder.reset(avcodec_alloc_context3(codec));
+            avcodec_parameters_to_context(decoder.get(), p);
+            if (avcodec_open2(decoder.get(), codec, nullptr) < 0)
+                decoder.reset();
+        }
+    }
+    PacketPtr packet = makePacket();
+    FramePtr frame = makeFrame();
+    double sum = 0;
+    long long samples = 0;
+    const auto drain = [&] {
+        while (avcodec_receive_frame(decoder.get(), frame.get()) >= 0) {
+            const int ch = frame->ch_layout.nb_channels;
+            for (int c = 0; c < ch; ++c) {
+                for (int s = 0; s < frame->nb_samples; ++s) {
+                    double v = 0;
+                    switch (frame->format) {
+                    case AV_SAMPLE_FMT_S16:
+                        v = reinterpret_cast<const int16_t*>(frame->data[0])[s * ch + c] / 32768.0;
+                        break;
+                    case AV_SAMPLE_FMT_S16P:
+                        v = reinterpret_cast<const int16_t*>(frame->extended_data[c])[s] / 32768.0;
+                        break;
+                    case AV_SAMPLE_FMT_FLTP:
+                        v = reinterpret_cast<const float*>(frame->extended_data[c])[s];
+                        break;
+                    case AV_SAMPLE_FMT_FLT:
+                        v = reinterpret_cast<const float*>(frame->data[0])[s * ch + c];
+                        break;
+                    default:
+                        break;
+                    }
+                    sum += v * v;
+                }
+            }
+            samples += frame->nb_samples;
+            av_frame_unref(frame.get());
+        }
+    };
+    while (av_read_frame(input.get(), packet.get()) >= 0) {
+        if (packet->stream_index == videoIndex) {
+            ++info.videoPackets;
+            const AVStream* st = input->streams[videoIndex];
+            const int64_t pts = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
+            if (pts != AV_NOPTS_VALUE) {
+                const double end = (pts + std::max<int64_t>(packet->duration, 0)) * av_q2d(st->time_base);
+                info.videoSeconds = std::max(info.videoSeconds, end);
+            }
+        } else if (packet->stream_index == audioIndex && decoder) {
+            if (avcodec_send_packet(decoder.get(), packet.get()) >= 0)
+                drain();
+        }
+        av_packet_unref(packet.get());
+    }
+    if (decoder) {
+        avcodec_send_packet(decoder.get(), nullptr);
+        drain();
+        if (samples > 0 && info.sampleRate > 0) {
+            info.audioSeconds = double(samples) / info.sampleRate;
+            info.audioRms = std::sqrt(sum / double(samples * std::max(1, info.channels)));
+        }
+    }
+    return info;
+}
+
+} // namespace mirabend::test

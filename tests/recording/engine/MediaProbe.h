@@ -1,0 +1,25 @@
+#pragma once
+// Reads a recorded file back with libavformat: codecs, sizes, counted
+// packets and the loudness of the decoded sound.
+
+#include <string>
+
+namespace mirabend::test {
+
+struct MediaInfo {
+    bool opened = false;
+    std::string videoCodec;
+    std::string audioCodec;
+    int width = 0;
+    int height = 0;
+    int sampleRate = 0;
+    int channels = 0;
+    long videoPackets = 0;
+    double videoSeconds = 0; // last video packet's end
+    double audioSeconds = 0; // decoded samples / rate
+    double audioRms = 0;     // of the decoded sound, 0..1
+};
+
+MediaInfo probe(const std::string& file);
+
+} // namespace mirabend::test

@@ -1,0 +1,294 @@
+// Real recordings of a private Xvfb screen with sound from a private
+// PulseAudio server, read back with libavformat.
+#include "MediaProbe.h"
+#include "PulseServer.h"
+#include "recording/engine/Screen2Video.h"
+#include "support/ChildProcess.h"
+
+#include <QCoreApplication>
+#include <QWidget>
+#include <cstring>
+#include <sys/stat.h>
+#include <chrono>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <thread>
+
+namespace mirabend {
+namespace {
+
+using namespace std::chrono_literals;
+using test::probe;
+
+class RecordingTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() { s_pulse = new test::PulseServer; }
+    static void TearDownTestSuite()
+    {
+        delete s_pulse;
+        s_pulse = nullptr;
+    }
+    void SetUp() override
+    {
+        ASSERT_TRUE(s_pulse->ok()) << "PulseAudio could not be started";
+        ASSERT_FALSE(m_folder.path().empty());
+    }
+
+    // Records for `seconds` of recording time (pauses not counted).
+    static void recordFor(Screen2Video& r, double seconds)
+    {
+        while (r.IsCapturing() && r.Counters().secondsRecorded < seconds)
+            std::this_thread::sleep_for(20ms);
+    }
+    static std::vector<RecorderFailure> failuresOf(Screen2Video& r, RecorderError code)
+    {
+        std::vector<RecorderFailure> out;
+        for (const RecorderFailure& f : r.TakeFailures()) {
+            if (f.code == code)
+                out.push_back(f);
+        }
+        return out;
+    }
+    static std::string driver() { return RECORD_SCREEN_DRIVER; }
+
+    static test::PulseServer* s_pulse;
+    test::TempFolder m_folder{"mirabend-rec"};
+};
+
+test::PulseServer* RecordingTest::s_pulse = nullptr;
+
+struct FormatCase {
+    int format;
+    const char* extension;
+    const char* video;
+    const char* audio;
+    int width;
+    int height;
+};
+
+TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound)
+{
+    const FormatCase cases[] = {
+        {0, "avi", "msvideo1", "pcm_s16le", 320, 240}, {1, "wmv", "wmv2", "wmav2", 0, 0},
+        {2, "swf", "flv1", "mp3", 320, 240},           {3, "flv", "flv1", "mp3", 322, 242},
+        {4, "mp4", "h264", "aac", 0, 0},               {5, "mkv", "h264", "aac", 0, 0},
+    };
+    for (const FormatCase& c : cases) {
+        SCOPED_TRACE(c.extension);
+        Screen2Video r;
+        const std::string file = m_folder.file(std::string("out.") + c.extension);
+        r.OutputFileName(QString::fromStdString(file));
+        r.OutputFormat(c.format);
+        r.FrameRate(12);
+        r.ZoomRectangle(0, 0, 400, 300);
+        r.AviWidth(c.width);
+        r.AviHeight(c.height);
+        r.SwfWidth(c.width);
+        r.SwfHeight(c.height);
+        r.FlvWidth(c.width);
+        r.FlvHeight(c.height);
+        r.WmvProfileIndex(0); // follows the recorded size
+        ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+        recordFor(r, 1.5);
+        r.StopCapture();
+        const test::MediaInfo info = probe(file);
+        ASSERT_TRUE(info.opened);
+        EXPECT_EQ(info.videoCodec, c.video);
+        EXPECT_EQ(info.audioCodec, c.audio);
+        // FLV asked for 322x242 and gets the even size below it.
+        EXPECT_EQ(info.width, c.width ? c.width / 2 * 2 : 400);
+        EXPECT_EQ(info.height, c.height ? c.height / 2 * 2 : 300);
+        EXPECT_NEAR(double(info.videoPackets), 1.5 * 12, 2.0);
+        EXPECT_NEAR(info.audioSeconds, 1.5, 0.35);
+        EXPECT_GT(info.audioRms, 0.05) << "the sine source should be audible";
+        EXPECT_TRUE(failuresOf(r, RecorderError::AudioDeviceUnavailable).empty());
+    }
+}
+
+TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep)
+{
+    Screen2Video r;
+    const std::string file = m_folder.file("paused.mkv");
+    r.OutputFileName(QString::fromStdString(file));
+    r.OutputFormat(5);
+    r.FrameRate(10);
+    r.ZoomRectangle(0, 0, 320, 240);
+    ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+    for (int i = 0; i < 3; ++i) {
+        recordFor(r, 0.5 * (i + 1));
+        r.PauseCapture();
+        EXPECT_TRUE(r.IsPaused());
+        std::this_thread::sleep_for(400ms);
+        r.ResumeCapture();
+    }
+    recordFor(r, 2.0);
+    r.StopCapture();
+    const RecorderCounters counters = r.Counters();
+    const test::MediaInfo info = probe(file);
+    ASSERT_TRUE(info.opened);
+    // 2 s recorded while 3.2 s passed.
+    EXPECT_NEAR(info.videoSeconds, 2.0, 0.25);
+    EXPECT_NEAR(double(info.videoPackets), 20, 2);
+    EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.15);
+    EXPECT_LE(counters.framesDuplicated, 2u) << "a pause must not be filled with frozen frames";
+}
+
+TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart)
+{
+    Screen2Video r;
+    const std::string file = m_folder.file("never.flv");
+    r.OutputFileName(QString::fromStdString(file));
+    r.OutputFormat(3);
+    r.FlvVideoBitrate(QStringLiteral("12x"));
+    EXPECT_FALSE(r.StartCapture());
+    EXPECT_EQ(r.LastFailure().code, RecorderError::BadSetting);
+    EXPECT_NE(r.LastFailure().detail.find("FLV video bitrate"), std::string::npos);
+    EXPECT_FALSE(r.IsCapturing());
+    EXPECT_NE(access(file.c_str(), F_OK), 0) << "nothing is written for a refused start";
+
+    r.FlvVideoBitrate(QStringLiteral("500000"));
+    r.CaptureWindowHandle(QStringLiteral("4194303"));
+    EXPECT_FALSE(r.StartCapture());
+    EXPECT_EQ(r.LastFailure().code, RecorderError::WindowNotFound);
+    r.CaptureWindowHandle(QStringLiteral("abc"));
+    EXPECT_FALSE(r.StartCapture());
+    EXPECT_EQ(r.LastFailure().code, RecorderError::BadSetting);
+}
+
+TEST_F(RecordingTest, ARecordedWindowThatClosesFinishesTheFile)
+{
+    auto window = std::make_unique<QWidget>();
+    window->resize(200, 150);
+    window->show();
+    for (int i = 0; i < 50 && !window->isVisible(); ++i)
+        QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    std::this_thread::sleep_for(200ms);
+    QCoreApplication::processEvents();
+
+    Screen2Video r;
+    const std::string file = m_folder.file("window.avi");
+    r.OutputFileName(QString::fromStdString(file));
+    r.CaptureWindowHandle(QString::number(window->winId()));
+    r.AudioEnabled(false);
+    r.FrameRate(10);
+    ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+    recordFor(r, 1.0);
+    window.reset();
+    QCoreApplication::processEvents();
+    for (int i = 0; i < 300 && r.IsCapturing(); ++i) {
+        QCoreApplication::processEvents();
+        std::this_thread::sleep_for(10ms);
+    }
+    EXPECT_FALSE(r.IsCapturing()) << "the recording ends with its window";
+    r.StopCapture();
+    EXPECT_EQ(failuresOf(r, RecorderError::WindowClosed).size(), 1u);
+    const test::MediaInfo info = probe(file);
+    ASSERT_TRUE(info.opened);
+    EXPECT_EQ(info.width, 200);
+    EXPECT_GE(info.videoPackets, 8);
+}
+
+TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows)
+{
+    // A sound server of its own, stopped mid-recording (a source merely
+    // unloaded is moved to the default source by the server itself).
+    auto server = std::make_unique<test::PulseServer>();
+    if (!server->ok())
+        GTEST_SKIP() << "a second private PulseAudio server could not be started next to the first";
+    Screen2Video r;
+    ASSERT_GT(r.AudioDevices().Count(), 0);
+    const std::string file = m_folder.file("lost.mkv");
+    r.OutputFileName(QString::fromStdString(file));
+    r.OutputFormat(5);
+    r.FrameRate(10);
+    r.ZoomRectangle(0, 0, 320, 240);
+    ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+    recordFor(r, 0.8);
+    server.reset();
+    recordFor(r, 2.5);
+    EXPECT_TRUE(r.IsCapturing());
+    r.StopCapture();
+    EXPECT_EQ(failuresOf(r, RecorderError::AudioSourceLost).size(), 1u);
+    const test::MediaInfo info = probe(file);
+    ASSERT_TRUE(info.opened);
+    EXPECT_NEAR(info.videoSeconds, 2.5, 0.3);
+    EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.3);
+}
+
+TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile)
+{
+    const std::string mountPoint = m_folder.file("small");
+    mkdir(mountPoint.c_str(), 0700);
+    if (mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=64k") != 0)
+        GTEST_SKIP() << "cannot mount a small tmpfs here (needs root): " << strerror(errno);
+    const std::string file = mountPoint + "/full.avi";
+    {
+        Screen2Video r;
+        r.OutputFileName(QString::fromStdString(file));
+        r.VideoCompressorIndex(r.VideoCompressors().FindByName(QStringLiteral("Motion JPEG")));
+        r.AviWidth(640);
+        r.AviHeight(480);
+        r.FrameRate(24);
+        ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+        for (int i = 0; i < 500 && r.IsCapturing(); ++i)
+            std::this_thread::sleep_for(20ms);
+        EXPECT_FALSE(r.IsCapturing()) << "a full disk ends the recording";
+        r.StopCapture();
+        EXPECT_EQ(failuresOf(r, RecorderError::WriteFailed).size(), 1u);
+        const test::MediaInfo info = probe(file);
+        EXPECT_TRUE(info.opened);
+        EXPECT_GT(info.videoPackets, 0);
+    }
+    umount(mountPoint.c_str());
+}
+
+TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled)
+{
+    for (const char* extension : {"mp4", "mkv"}) {
+        SCOPED_TRACE(extension);
+        const std::string file = m_folder.file(std::string("killed.") + extension);
+        test::ChildProcess recorder;
+        ASSERT_TRUE(recorder.start({driver(), "--record-screen", file, "--seconds", "30", "--region", "0,0,320,240",
+                                    "--fps", "10"}));
+        std::this_thread::sleep_for(3s);
+        kill(recorder.pid(), SIGKILL);
+        recorder.stop();
+        const test::MediaInfo info = probe(file);
+        ASSERT_TRUE(info.opened);
+        EXPECT_EQ(info.videoCodec, "h264");
+        EXPECT_GE(info.videoSeconds, 1.0) << "plays up to its last second or two";
+    }
+}
+
+TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm)
+{
+    const std::string file = m_folder.file("term.avi");
+    test::ChildProcess recorder;
+    ASSERT_TRUE(recorder.start({driver(), "--record-screen", file, "--no-audio", "--fps", "10"}, {},
+                               m_folder.file("term.log")));
+    std::this_thread::sleep_for(2s);
+    kill(recorder.pid(), SIGTERM);
+    int status = 0;
+    for (int i = 0; i < 500 && waitpid(recorder.pid(), &status, WNOHANG) == 0; ++i)
+        std::this_thread::sleep_for(10ms);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    const test::MediaInfo info = probe(file);
+    ASSERT_TRUE(info.opened);
+    EXPECT_EQ(info.videoCodec, "msvideo1");
+    EXPECT_EQ(info.width, 560);
+    EXPECT_GE(info.videoPackets, 8);
+
+    // A refused setting exits non-zero with a message.
+    test::ChildProcess refused;
+    ASSERT_TRUE(refused.start({driver(), "--record-screen", m_folder.file("x.flv"), "--video-bitrate", "lots"}, {},
+                              m_folder.file("refused.log")));
+    for (int i = 0; i < 500 && waitpid(refused.pid(), &status, WNOHANG) == 0; ++i)
+        std::this_thread::sleep_for(10ms);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) != 0);
+}
+
+} // namespace
+} // namespace mirabend
