@@ -5,17 +5,23 @@
 #include "recording/ui/DeviceOptions.h"
 #include "recording/ui/FormatOptions.h"
 #include "recording/ui/OverlayOptions.h"
+#include "support/ChildProcess.h"
 #include "support/FakeClock.h"
 #include "support/ScriptedPrompts.h"
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QElapsedTimer>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
+#include <QThread>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sys/stat.h>
 
 namespace mirabend::test {
 namespace {
@@ -199,6 +205,29 @@ TEST_F(OptionsWindow, AccelerationButtonSaysSoWhenTheHelperIsMissing) {
     ASSERT_EQ(prompts.messages.size(), 1);
     EXPECT_TRUE(prompts.messages[0].text.contains("mirabend-hwaccel"));
     qunsetenv("MIRABEND_DATA_DIR");
+}
+
+TEST_F(OptionsWindow, AccelerationButtonStartsTheHelperMinimisedWithoutWaiting) {
+    TempFolder folder("mirabend-hwaccel");
+    const std::string marker = folder.file("started");
+    const std::string helper = folder.file("mirabend-hwaccel");
+    {
+        std::ofstream script(helper);
+        script << "#!/bin/sh\necho \"$@\" > '" << marker << "'\n";
+    }
+    ::chmod(helper.c_str(), 0755);
+    qputenv("MIRABEND_DATA_DIR", QByteArray::fromStdString(folder.path()));
+    form->devices().Command3->click();
+    qunsetenv("MIRABEND_DATA_DIR");
+    EXPECT_TRUE(prompts.messages.isEmpty());
+    QElapsedTimer waited;
+    waited.start();
+    while (!QFileInfo::exists(QString::fromStdString(marker)) && waited.elapsed() < 5000)
+        QThread::msleep(20);
+    std::ifstream started(marker);
+    std::string args;
+    std::getline(started, args);
+    EXPECT_EQ(args, "--minimized");
 }
 
 TEST_F(OptionsWindow, OkAndCancelOnlyPutTheWindowAwayAndUndoNothing) {

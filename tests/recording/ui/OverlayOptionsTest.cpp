@@ -81,6 +81,16 @@ TEST_F(OverlayPage, TextStylesSwitchOnlyTheColourFieldsTheyUse) {
     EXPECT_TRUE(o->cmdoutlineback->isEnabled());
 }
 
+TEST_F(OverlayPage, AStyleOutsideTheFiveChangesNoEnabledState) {
+    o->cbotextstyle->setCurrentIndex(3);
+    o->cbotextstyle->addItem("Future style");
+    o->cbotextstyle->setCurrentIndex(5);
+    EXPECT_EQ(recorder.calls.last(), "TextStyle(5, 0)");
+    EXPECT_TRUE(o->cbohashbrushstyle->isEnabled());
+    EXPECT_FALSE(o->cmdsolidfontcolor->isEnabled());
+    EXPECT_FALSE(o->txttextureimage->isEnabled());
+}
+
 TEST_F(OverlayPage, DateFieldsHandTheirValues) {
     o->txtdateleft->setText("30");
     o->txtdatetop->setText("40");
