@@ -53,6 +53,8 @@ CaptureOptions_frm::CaptureOptions_frm(RecordingHost& host, RecorderControl& rec
     layout->addWidget(buttons);
 
     Form_Load();
+    // The main window's size is the default recording area.
+    setDefaultArea(host.mainWindowWidth(), host.mainWindowHeight());
 }
 
 CaptureOptions_frm::~CaptureOptions_frm() = default;

@@ -27,7 +27,8 @@ class RecordingHost;
 class CaptureOptions_frm : public QDialog {
     Q_OBJECT
 public:
-    // Fills every list from the recorder at once (Form_Load).
+    // Fills every list from the recorder at once (Form_Load), then takes the
+    // main window's size from the host as the default recording area.
     CaptureOptions_frm(RecordingHost& host, RecorderControl& recorder, Prompts& prompts, const Clock& clock,
                        QWidget* parent = nullptr);
     ~CaptureOptions_frm() override;

@@ -66,7 +66,10 @@ TEST_F(OptionsWindow, FormatPageStartsWithTheDesignedValues) {
     EXPECT_EQ(f.cbocustomprofile->currentText(), "Window Media Video/Audio 9 for 640x480");
     EXPECT_EQ(items(f.cboWMV), recorder.profiles);
     EXPECT_EQ(f.cboWMV->currentIndex(), 0);
-    // The screen size, until the main window gives its own.
+    // The main window's size; filling the lists again shows the screen's.
+    EXPECT_EQ(f.txtwidth->text(), "1024");
+    EXPECT_EQ(f.txtheight->text(), "768");
+    form->setDevices();
     EXPECT_EQ(f.txtwidth->text(), "1280");
     EXPECT_EQ(f.txtheight->text(), "1024");
     form->setDefaultArea(900, 700);
