@@ -4,10 +4,13 @@
 #include "RecordingFakes.h"
 #include "recording/ui/CaptureOptions_frm.h"
 #include "recording/ui/EngineRecorder.h"
+#include "recording/ui/FormatOptions.h"
 #include "support/ChildProcess.h"
 #include "support/ScriptedPrompts.h"
 #include "util/Clock.h"
 #include "util/ProgramFolder.h"
+
+#include <QComboBox>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -20,8 +23,12 @@ extern "C" {
 #include <QLabel>
 #include <QTimer>
 #include <QWidget>
+#include <cerrno>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sys/mount.h>
+#include <sys/stat.h>
 
 namespace mirabend::test {
 namespace {
@@ -158,6 +165,28 @@ TEST_F(EngineRecording, AFileThatCannotBeWrittenGivesOneMessageAndNoRecordingCla
         << prompts.messages[0].text.toStdString();
     EXPECT_EQ(host.panels[1], "Stoped ...");
     EXPECT_EQ(form->session().state(), State::Stopped);
+}
+
+TEST_F(EngineRecording, AFullDiskStopsTheRecordingWithOneMessageAndAValidFile) {
+    const std::string mountPoint = folder.file("small");
+    ::mkdir(mountPoint.c_str(), 0700);
+    if (::mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=96k") != 0)
+        GTEST_SKIP() << "cannot mount a small tmpfs here (needs root): " << std::strerror(errno);
+    const QString file = QString::fromStdString(mountPoint + "/full.avi");
+    form->format().aviSize_comb->setCurrentIndex(4); // 1280 x 960 fills it at once
+    ASSERT_FALSE(form->StartRecTo(file));
+    spinUntil([this] { return form->session().state() == State::Stopped; }, 20000);
+    EXPECT_EQ(form->session().state(), State::Stopped);
+    ASSERT_EQ(prompts.messages.size(), 1);
+    EXPECT_TRUE(prompts.messages[0].text.contains("disk is full")) << prompts.messages[0].text.toStdString();
+    EXPECT_EQ(host.panels[1], "Stoped ...");
+    EXPECT_EQ(host.text4, "sleep");
+    spinFor(300); // no second message follows
+    EXPECT_EQ(prompts.messages.size(), 1);
+    const MediaInfo info = probe(file);
+    EXPECT_TRUE(info.opened);
+    EXPECT_GT(info.videoPackets, 0);
+    ::umount(mountPoint.c_str());
 }
 
 } // namespace
