@@ -10,13 +10,12 @@
 #include "util/Clock.h"
 #include "util/ProgramFolder.h"
 
-#include <QComboBox>
-
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 }
 
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
