@@ -11,6 +11,7 @@
 // Thread contract: one thread uses an object at a time.
 
 #include <complex>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -27,7 +28,15 @@ public:
     void WithTimeWindow(bool value) { m_withWindow = value; }
 
     // Stores a real input (weighted or halved), clearing its imaginary part.
-    void RealIn(std::int32_t index, double value);
+    // Inline: the spectrum display calls it 1024 times per block.
+    void RealIn(std::int32_t index, double value)
+    {
+        const auto i = static_cast<std::size_t>(checkedPlace(index));
+        const std::uint32_t place = m_reversed[i];
+        m_re[place] = m_withWindow ? value * m_window[i] : value * 0.5;
+        m_im[place] = 0.0;
+        m_needTransform = true;
+    }
     // Stores the imaginary part of the same input as it stands; after RealIn.
     void ImagIn(std::int32_t index, double value);
 
@@ -42,7 +51,13 @@ public:
 
 private:
     std::uint32_t bitReverse(std::uint32_t value) const;
-    std::int32_t checkedPlace(std::int32_t index) const;
+    std::int32_t checkedPlace(std::int32_t index) const
+    {
+        if (m_samplesUnknown || index < 1 || index > m_n)
+            throwIndexError();
+        return index - 1;
+    }
+    [[noreturn]] static void throwIndexError();
     void transform();
 
     std::int32_t m_n = 0;
@@ -51,6 +66,10 @@ private:
     std::vector<double> m_im;
     std::vector<std::uint32_t> m_reversed; // bit reversal of 0..N-1
     std::vector<double> m_window;          // Blackman weights of 1..N
+    // Twiddle factors of every stage h (h entries from offset h - 1), made by
+    // the trigonometric recurrence once per size.
+    std::vector<double> m_twiddleRe;
+    std::vector<double> m_twiddleIm;
     bool m_withWindow = false;
     bool m_samplesUnknown = true;
     bool m_needTransform = false;

@@ -85,7 +85,7 @@ TEST(clsFourier, MatchesANaiveDftWithAndWithoutWindow)
 {
     std::mt19937 rng(7);
     std::uniform_real_distribution<double> dist(-32768.0, 32767.0);
-    for (const int n : {2, 8, 64, 1024}) {
+    for (const int n : {2, 4, 8, 32, 64, 1024}) {
         for (const bool window : {false, true}) {
             clsFourier f;
             f.NumberOfSamples(n);
