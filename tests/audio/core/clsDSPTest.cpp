@@ -1,18 +1,17 @@
-#include "audio/core/AudioError.h"
 #include "audio/core/clsDSP.h"
 
-#include <gtest/gtest.h>
+#include "audio/core/AudioError.h"
 
 #include <cmath>
 #include <complex>
 #include <functional>
+#include <gtest/gtest.h>
 #include <vector>
 
 namespace mirabend::test {
 namespace {
 
-void expectAudioError(const std::function<void()>& action, int number, const std::string& text)
-{
+void expectAudioError(const std::function<void()>& action, int number, const std::string& text) {
     try {
         action();
         ADD_FAILURE() << "expected error " << number << " \"" << text << "\"";
@@ -22,8 +21,7 @@ void expectAudioError(const std::function<void()>& action, int number, const std
     }
 }
 
-clsDSP prepared(int rate, short channels, int effects)
-{
+clsDSP prepared(int rate, short channels, int effects) {
     clsDSP dsp;
     dsp.samplerate(rate);
     dsp.Channels(channels);
@@ -31,8 +29,7 @@ clsDSP prepared(int rate, short channels, int effects)
     return dsp;
 }
 
-TEST(clsDSP, InvalidPropertiesRaise32000AndKeepThePreviousValue)
-{
+TEST(clsDSP, InvalidPropertiesRaise32000AndKeepThePreviousValue) {
     clsDSP dsp;
     dsp.samplerate(96000);
     expectAudioError([&] { dsp.samplerate(96001); }, 32000, "invalid samplerate");
@@ -51,8 +48,7 @@ TEST(clsDSP, InvalidPropertiesRaise32000AndKeepThePreviousValue)
     expectAudioError([&] { dsp.EqualizerBandGainDB(10, 3.0f); }, 9, "Subscript out of range");
 }
 
-TEST(clsDSP, DefaultsAndEchoAmpLimit)
-{
+TEST(clsDSP, DefaultsAndEchoAmpLimit) {
     clsDSP dsp;
     EXPECT_EQ(dsp.EffectsUsed(), 0);
     EXPECT_EQ(dsp.EchoLength(), 100);
@@ -67,8 +63,7 @@ TEST(clsDSP, DefaultsAndEchoAmpLimit)
     EXPECT_FLOAT_EQ(dsp.EchoAmp(), 0.5f);
 }
 
-TEST(clsDSP, NothingChangesWithoutEffectsOrBeforeRateAndChannels)
-{
+TEST(clsDSP, NothingChangesWithoutEffectsOrBeforeRateAndChannels) {
     std::vector<std::int16_t> block = {1, -2, 30000, -30000, 0, 77};
     const std::vector<std::int16_t> original = block;
     clsDSP idle = prepared(44100, 2, 0);
@@ -81,8 +76,7 @@ TEST(clsDSP, NothingChangesWithoutEffectsOrBeforeRateAndChannels)
     EXPECT_EQ(block, original);
 }
 
-TEST(clsDSP, BandsAreSpacedLogarithmicallyFrom80HzToAThirdOfTheRate)
-{
+TEST(clsDSP, BandsAreSpacedLogarithmicallyFrom80HzToAThirdOfTheRate) {
     clsDSP dsp = prepared(44100, 2, 0);
     ASSERT_EQ(dsp.EqualizerBands(), 7);
     EXPECT_EQ(dsp.EqualizerBandFrequency(0), 80);
@@ -95,8 +89,7 @@ TEST(clsDSP, BandsAreSpacedLogarithmicallyFrom80HzToAThirdOfTheRate)
     EXPECT_EQ(dsp.EqualizerBandFrequency(0), std::lround(std::sqrt(80.0 * 14700.0)));
 }
 
-TEST(clsDSP, AmplifyScalesRoundsAndClips)
-{
+TEST(clsDSP, AmplifyScalesRoundsAndClips) {
     clsDSP dsp = prepared(44100, 1, clsDSP::Amplify);
     dsp.AmplifyDB(6.0f);
     const float factor = std::pow(10.0f, 6.0f / 20.0f);
@@ -110,8 +103,7 @@ TEST(clsDSP, AmplifyScalesRoundsAndClips)
     EXPECT_EQ(block[5], 0);
 }
 
-TEST(clsDSP, EchoImpulseResponseDecaysByTheFactorEveryDelay)
-{
+TEST(clsDSP, EchoImpulseResponseDecaysByTheFactorEveryDelay) {
     // 1000 Hz and 10 ms give a delay line of 10 samples.
     clsDSP dsp = prepared(1000, 1, clsDSP::Echo);
     dsp.EchoLength(10);
@@ -143,8 +135,7 @@ TEST(clsDSP, EchoImpulseResponseDecaysByTheFactorEveryDelay)
     EXPECT_EQ(s[10], 4000);
 }
 
-TEST(clsDSP, ChangingTheEchoDropsItsTail)
-{
+TEST(clsDSP, ChangingTheEchoDropsItsTail) {
     clsDSP dsp = prepared(1000, 1, clsDSP::Echo);
     dsp.EchoLength(10);
     std::vector<std::int16_t> block(5, 0);
@@ -156,8 +147,7 @@ TEST(clsDSP, ChangingTheEchoDropsItsTail)
     EXPECT_EQ(next, std::vector<std::int16_t>(20, 0));
 }
 
-TEST(clsDSP, AmplifyRunsBeforeEcho)
-{
+TEST(clsDSP, AmplifyRunsBeforeEcho) {
     // Amplified first, the impulse clips at 32767 and that is what echoes.
     clsDSP dsp = prepared(1000, 1, clsDSP::Amplify | clsDSP::Echo);
     dsp.AmplifyDB(6.0f);
@@ -169,8 +159,7 @@ TEST(clsDSP, AmplifyRunsBeforeEcho)
     EXPECT_EQ(block[10], std::lrintf(32767 * 0.4f));
 }
 
-TEST(clsDSP, PhaserStagesAreAllPassWithTheDesignedPhase)
-{
+TEST(clsDSP, PhaserStagesAreAllPassWithTheDesignedPhase) {
     // Without sweep, dry signal and feedback the phaser is four first-order
     // all-pass stages with the fixed coefficient c at the minimum position:
     // H(z) = ((c - z^-1) / (1 - c z^-1))^4, magnitude 1.
@@ -202,8 +191,7 @@ TEST(clsDSP, PhaserStagesAreAllPassWithTheDesignedPhase)
     }
 }
 
-TEST(clsDSP, PhaserSweepsBetweenItsLimits)
-{
+TEST(clsDSP, PhaserSweepsBetweenItsLimits) {
     // With dry and wet at 1 the output differs from the input while the
     // sweep runs; a second prepared object restarts at the same place.
     clsDSP a = prepared(8000, 1, clsDSP::PhaseShifter);
@@ -223,8 +211,7 @@ TEST(clsDSP, PhaserSweepsBetweenItsLimits)
         EXPECT_LE(std::abs(static_cast<int>(v)), 3 * 5000);
 }
 
-TEST(clsDSP, EqualizerIsTransparentAtZeroGainAndBoostsItsBand)
-{
+TEST(clsDSP, EqualizerIsTransparentAtZeroGainAndBoostsItsBand) {
     clsDSP dsp = prepared(44100, 1, clsDSP::Equalizer);
     std::vector<std::int16_t> x(8820);
     const double f3 = dsp.EqualizerBandFrequency(3);
