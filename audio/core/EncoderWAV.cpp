@@ -15,6 +15,7 @@ namespace mirabend {
 namespace {
 
 constexpr std::size_t kInitialFormatBuffer = 131072;
+constexpr std::uint64_t kMaxWavFileSize = 0xFFFFFFFFull;
 
 void putTag(std::vector<std::uint8_t>& out, const char* tag) {
     out.insert(out.end(), tag, tag + 4);
@@ -163,12 +164,13 @@ std::int32_t EncoderWAV::Encoder_Encode(const void* data, std::int32_t byteCount
     const Failure<ConverterError> f =
         m_converter->convert(m_input.data(), count, m_output.data(), m_output.size(), r);
     bytesConsumed = static_cast<std::int32_t>(r.used);
+    // What the converter produced reaches the file even when it then failed.
+    if (!writeAll(m_output.data(), r.produced))
+        return encoder_result::kWriteFailed;
     if (f) {
         m_lastError = f.detail;
         return r.used > 0 ? encoder_result::kOk : encoder_result::kConvertFailed;
     }
-    if (!writeAll(m_output.data(), r.produced))
-        return encoder_result::kWriteFailed;
     return encoder_result::kOk;
 }
 
@@ -239,6 +241,12 @@ bool EncoderWAV::writeHeaderNow() {
 // disk still decodes.
 bool EncoderWAV::writeAll(const std::uint8_t* data, std::size_t size, bool trimOnFailure) {
     const off_t start = ::lseek(m_fd, 0, SEEK_CUR);
+    // The RIFF sizes are 32-bit: a WAV file stops at 4 GiB like a full disk.
+    if (trimOnFailure && m_writeHeader && start >= 0 &&
+        static_cast<std::uint64_t>(start) + size > kMaxWavFileSize) {
+        m_lastError = m_fileName + ": a WAV file cannot grow past 4 GiB";
+        return false;
+    }
     std::size_t done = 0;
     while (done < size) {
         const ssize_t n = ::write(m_fd, data + done, size - done);
