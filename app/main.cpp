@@ -1,30 +1,101 @@
-// Start-up of the mirabend executable: command-line modes first, then the
-// main window.
+// The start-up procedure of the mirabend executable: command-line modes and
+// --help/--version first, then the widget library, then the main window.
+#include "shell/Mirabend_frm.h"
+#include "shell/wiring/ShellWiring.h"
 #include "util/CommandLineTool.h"
+#include "util/QtPrompts.h"
 
 #include <QApplication>
+#include <QFileInfo>
+#include <QIcon>
+#include <QScreen>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 
 namespace {
 
-// Command-line modes offered by the subsystems.
-const mirabend::CommandLineTool* const kTools[] = {
-    nullptr,
-};
+void printHelp(const mirabend::CommandLineTool* const* tools, int count)
+{
+    std::printf("Usage: mirabend [PRESENTATION]\n"
+                "       mirabend MODE [options]\n\n"
+                "Mirabend shows your slides, camera, whiteboard, notes and a web page on one stage\n"
+                "and records it with sound to a video file.\n\n"
+                "  PRESENTATION         open this .ppt, .pptx or .pps file instead of the welcome show\n"
+                "  -h, --help           show this help and exit\n"
+                "  -v, --version        show the version and exit\n");
+    for (int i = 0; i < count; ++i)
+        std::printf("\n  %s\n%s", tools[i]->synopsis, tools[i]->help);
+    std::printf("\nFiles are written to the program folder when it is writable, else to\n"
+                "$XDG_DATA_HOME/mirabend. Nothing is stored between runs.\n");
+}
+
+// The widget library is ready when the application has a screen to show the
+// main window on and the toolbar pictures load.
+bool initCommonControls()
+{
+    mirabend::Mirabend_frm::registerResources();
+    if (!QGuiApplication::primaryScreen())
+        return false;
+    return !QIcon(QStringLiteral(":/icons/record.svg")).pixmap(16, 16).isNull();
+}
 
 } // namespace
 
 int main(int argc, char** argv)
 {
-    for (const mirabend::CommandLineTool* tool : kTools) {
-        if (!tool)
-            continue;
-        for (int i = 1; i < argc; ++i) {
-            if (std::strcmp(argv[i], tool->option) == 0)
-                return tool->run(argc, argv);
+    int toolCount = 0;
+    const mirabend::CommandLineTool* const* tools = mirabend::commandLineTools(&toolCount);
+    for (int i = 1; i < argc; ++i) {
+        if (!std::strcmp(argv[i], "--help") || !std::strcmp(argv[i], "-h")) {
+            printHelp(tools, toolCount);
+            return 0;
+        }
+        if (!std::strcmp(argv[i], "--version") || !std::strcmp(argv[i], "-v")) {
+            std::printf("Mirabend %s\n", MIRABEND_VERSION);
+            return 0;
         }
     }
+    for (int t = 0; t < toolCount; ++t) {
+        for (int i = 1; i < argc; ++i) {
+            if (!std::strcmp(argv[i], tools[t]->option))
+                return tools[t]->run(argc, argv);
+        }
+    }
+    QString presentation;
+    for (int i = 1; i < argc; ++i) {
+        if (argv[i][0] == '-') {
+            std::fprintf(stderr, "mirabend: unknown option %s (see mirabend --help)\n", argv[i]);
+            return 2;
+        }
+        presentation = QFileInfo(QString::fromLocal8Bit(argv[i])).absoluteFilePath();
+    }
+
+    QApplication::setApplicationName(QStringLiteral("mirabend"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Mirabend"));
+    QApplication::setApplicationVersion(QStringLiteral(MIRABEND_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("mirabend"));
     QApplication app(argc, argv);
-    return 0;
+    mirabend::QtPrompts prompts;
+
+    bool ready = false;
+    try {
+        ready = initCommonControls();
+    } catch (const std::exception&) {
+        ready = false;
+    }
+    if (!ready) {
+        prompts.show(QStringLiteral("Initialization error!"), QStringLiteral("Mirabend 1.0"),
+                     mirabend::PromptIcon::Critical);
+        return 1;
+    }
+
+    mirabend::Mirabend_frm window(mirabend::makeShellServices(prompts));
+    prompts.setParent(&window);
+    window.start();
+    if (!presentation.isEmpty())
+        window.context().ports.slides->openFile(presentation);
+    else
+        window.context().ports.slides->openSlidesStart();
+    return app.exec();
 }

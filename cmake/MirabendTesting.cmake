@@ -37,10 +37,13 @@ function(mirabend_add_gtest)
   if(T_LABEL STREQUAL "widget")
     list(APPEND env QT_QPA_PLATFORM=offscreen)
   endif()
+  # The environment goes in front of the command (listing included): the
+  # discovered tests' ENVIRONMENT property would keep only its first entry.
+  set_target_properties(${T_NAME} PROPERTIES CROSSCOMPILING_EMULATOR "env;${env}")
   gtest_discover_tests(${T_NAME}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
-    PROPERTIES LABELS ${T_LABEL} TIMEOUT ${T_TIMEOUT} ENVIRONMENT "${env}")
+    PROPERTIES LABELS ${T_LABEL} TIMEOUT ${T_TIMEOUT})
   if(T_LABEL STREQUAL "unit")
     add_dependencies(mirabend_unit_tests ${T_NAME})
   endif()

@@ -8,20 +8,20 @@ namespace mirabend {
 
 ExplorerBarItem::ExplorerBarItem(ExplorerBarGroup* group, const QString& key, const QString& caption,
                                  const QIcon& icon)
-    : QToolButton(group)
+    : QPushButton(group)
     , m_group(group)
     , m_key(key)
 {
     setText(caption);
     setIcon(icon);
-    setToolButtonStyle(icon.isNull() ? Qt::ToolButtonTextOnly : Qt::ToolButtonTextBesideIcon);
-    setAutoRaise(true);
+    setFlat(true);
+    setIconSize(QSize(16, 16));
     setCursor(Qt::PointingHandCursor);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    setStyleSheet(QStringLiteral("QToolButton { text-align: left; color: #1c3f78; padding: 2px 4px; }"
-                                 "QToolButton:hover { text-decoration: underline; }"
-                                 "QToolButton:disabled { color: #8a8f98; }"
-                                 "QToolButton:checked { background: #cddcf3; }"));
+    setStyleSheet(QStringLiteral("QPushButton { text-align: left; color: #1c3f78; padding: 3px 4px;"
+                                 " border: none; background: transparent; }"
+                                 "QPushButton:hover { text-decoration: underline; }"
+                                 "QPushButton:disabled { color: #8a8f98; }"));
 }
 
 ExplorerBarGroup::ExplorerBarGroup(const QString& caption, const QString& key, QWidget* parent)
@@ -66,7 +66,7 @@ ExplorerBarItem* ExplorerBarGroup::addItem(const QString& caption, const QString
     m_items.push_back(entry);
     const int at = m_panel ? m_bodyLayout->indexOf(m_panel) : m_bodyLayout->count();
     m_bodyLayout->insertWidget(at, entry);
-    connect(entry, &QToolButton::clicked, this, [this, entry] { Q_EMIT itemClicked(entry); });
+    connect(entry, &QPushButton::clicked, this, [this, entry] { Q_EMIT itemClicked(entry); });
     return entry;
 }
 

@@ -8,6 +8,7 @@
 #include <QIcon>
 #include <QScrollArea>
 #include <QString>
+#include <QPushButton>
 #include <QToolButton>
 #include <vector>
 
@@ -19,7 +20,7 @@ class ExplorerBarGroup;
 
 // One clickable entry of a group. Its caption is shown as given, leading
 // blanks included.
-class ExplorerBarItem : public QToolButton {
+class ExplorerBarItem : public QPushButton {
     Q_OBJECT
 public:
     ExplorerBarItem(ExplorerBarGroup* group, const QString& key, const QString& caption, const QIcon& icon);

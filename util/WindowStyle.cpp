@@ -9,16 +9,16 @@ WindowStyle::WindowStyle(WindowSystem* system) : m_system(system) {}
 std::uint32_t WindowStyle::computeStyle(std::int16_t border, std::int16_t sysmenu, std::int16_t minimize,
                                         std::int16_t maximize, std::int16_t sizebox, std::int16_t popupFlag)
 {
-    std::uint32_t style = border == True ? CaptionBits : ClipBits;
-    if (sysmenu == True)
+    std::uint32_t style = border == kTrue ? CaptionBits : ClipBits;
+    if (sysmenu == kTrue)
         style += SysMenuBit;
-    if (minimize == True)
+    if (minimize == kTrue)
         style += MinimizeBit;
-    if (maximize == True)
+    if (maximize == kTrue)
         style += MaximizeBit;
-    if (sizebox == True)
+    if (sizebox == kTrue)
         style += SizeBoxBit;
-    if (popupFlag == True)
+    if (popupFlag == kTrue)
         style += PopupBit;
     return style;
 }

@@ -20,8 +20,8 @@ class WindowSystem;
 
 class WindowStyle {
 public:
-    static constexpr std::int16_t True = -1;
-    static constexpr std::int16_t False = 0;
+    static constexpr std::int16_t kTrue = -1;
+    static constexpr std::int16_t kFalse = 0;
 
     static constexpr std::uint32_t ClipBits = 0x06000000u;    // clip children and siblings
     static constexpr std::uint32_t CaptionBits = 0x06C00000u; // clip bits plus caption and border
@@ -62,12 +62,12 @@ public:
 
 private:
     WindowSystem* m_system;
-    std::int16_t m_border = False;
-    std::int16_t m_sysmenu = False;
-    std::int16_t m_minimize = False;
-    std::int16_t m_maximize = False;
-    std::int16_t m_sizebox = False;
-    std::int16_t m_popup = False;
+    std::int16_t m_border = kFalse;
+    std::int16_t m_sysmenu = kFalse;
+    std::int16_t m_minimize = kFalse;
+    std::int16_t m_maximize = kFalse;
+    std::int16_t m_sizebox = kFalse;
+    std::int16_t m_popup = kFalse;
     std::uint32_t m_hwnd = 0;
     std::uint32_t m_style = 0;
 };

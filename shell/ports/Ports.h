@@ -88,4 +88,10 @@ public:
     QStringList formatNames() override { return {}; }
 };
 
+class NullAudioPort final : public AudioPort {
+public:
+    void showRecorder() override {}
+    QStringList inputDevices() override { return {}; }
+};
+
 } // namespace mirabend

@@ -26,7 +26,7 @@ public:
 
 TEST(WindowStyle, BitArithmeticOfEachSwitch)
 {
-    constexpr auto T = WindowStyle::True;
+    constexpr auto T = WindowStyle::kTrue;
     EXPECT_EQ(WindowStyle::computeStyle(0, 0, 0, 0, 0, 0), 0x06000000u);
     EXPECT_EQ(WindowStyle::computeStyle(T, 0, 0, 0, 0, 0), 0x06C00000u);
     EXPECT_EQ(WindowStyle::computeStyle(0, T, 0, 0, 0, 0), 0x06080000u);
@@ -46,7 +46,7 @@ TEST(WindowStyle, OnlyTrueCountsAsSet)
     style.Sysmenu(2);
     style.popup(-2);
     EXPECT_EQ(style.style(), 0x06000000u);
-    style.Border(WindowStyle::True);
+    style.Border(WindowStyle::kTrue);
     EXPECT_EQ(style.style(), 0x06C00000u);
 }
 
@@ -56,8 +56,8 @@ TEST(WindowStyle, WithoutHandleNothingIsApplied)
     EXPECT_CALL(system, applyStyle(_, _)).Times(0);
     EXPECT_CALL(system, showNormal(_)).Times(0);
     WindowStyle style(&system);
-    style.Border(WindowStyle::True);
-    style.Sizebox(WindowStyle::True);
+    style.Border(WindowStyle::kTrue);
+    style.Sizebox(WindowStyle::kTrue);
     EXPECT_EQ(style.HWnd(), 0u);
     EXPECT_EQ(style.style(), 0x06C40000u);
 }
@@ -77,6 +77,6 @@ TEST(WindowStyle, EveryLetAppliesThenShows)
     }
     WindowStyle style(&system);
     style.HWnd(42);
-    style.Border(WindowStyle::True);
-    style.Minimize(WindowStyle::True);
+    style.Border(WindowStyle::kTrue);
+    style.Minimize(WindowStyle::kTrue);
 }

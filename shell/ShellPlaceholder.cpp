@@ -1,1 +1,0 @@
-namespace mirabend { int shellPlaceholder() { return 0; } }

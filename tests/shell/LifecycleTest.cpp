@@ -1,0 +1,173 @@
+#include "ShellFixture.h"
+#include "shell/CameraSettingsPanel.h"
+#include "util/ExplorerBar.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QTest>
+
+namespace mirabend::test {
+namespace {
+
+class LifecycleTest : public ShellTest {};
+
+TEST_F(LifecycleTest, StartUpRunsInTheDesignedOrder)
+{
+    window.reset();
+    trace.calls.clear();
+    ShellServices services;
+    services.prompts = &prompts;
+    services.makeRecording = [this](Mirabend_frm& w) {
+        trace.add(QStringLiteral("recording.created"));
+        return std::make_unique<TraceRecording>(trace, w);
+    };
+    services.makeCamera = [this](Mirabend_frm&) {
+        return std::make_unique<TraceCamera>(trace, QStringList{"cam A"}, QStringList{"640x480 YUYV", "320x240"});
+    };
+    services.makeAudio = [this](Mirabend_frm&) { return std::make_unique<TraceAudio>(trace, QStringList{"mic"}); };
+    window = std::make_unique<Mirabend_frm>(services);
+    window->resize(1000, 700);
+    EXPECT_TRUE(trace.calls.isEmpty()) << "nothing is created before the initialisation";
+    window->Form_Initialize();
+    window->Form_Load();
+    EXPECT_EQ(trace.calls, (QStringList{"recording.created", "setDefaultArea 1000x700", "InitDevices", "PreviewCam1",
+                                        "camera.deviceNames", "camera.formatNames"}));
+    // The task pane exists before the saved rectangles are taken.
+    EXPECT_NE(ctx().ebDemo->group(QStringLiteral("camera")), nullptr);
+    CameraSettingsPanel* panel = ctx().cameraPanel;
+    EXPECT_EQ(panel->cboDevice()->currentText(), QStringLiteral("cam A"));
+    EXPECT_EQ(panel->cboVideoFormat()->currentIndex(), 0);
+    // A second load does not run the steps again.
+    window->Form_Load();
+    EXPECT_EQ(trace.calls.count(QStringLiteral("InitDevices")), 1);
+}
+
+TEST_F(LifecycleTest, VideoStandardsHoldTheTwentyEntries)
+{
+    QComboBox* list = ctx().cameraPanel->cbovideostand();
+    ASSERT_EQ(list->count(), 20);
+    EXPECT_EQ(list->itemText(0), QStringLiteral("Digital sensor"));
+    EXPECT_EQ(list->currentIndex(), 0);
+    EXPECT_EQ(list->itemText(4), QStringLiteral("PAL -B standard"));
+    EXPECT_EQ(list->itemText(19), QStringLiteral("Combination (N) PAL standard (Argentina) "));
+}
+
+TEST_F(LifecycleTest, EmptyDeviceListsStayUnselectedAndMissingAudioIsReported)
+{
+    ShellOptions options;
+    options.audioDevices.clear();
+    options.cameraDevices.clear();
+    build(options);
+    EXPECT_EQ(ctx().cameraPanel->cboDevice()->count(), 0);
+    EXPECT_EQ(ctx().cameraPanel->cboDevice()->currentIndex(), -1);
+    EXPECT_EQ(ctx().cameraPanel->cboVideoFormat()->currentIndex(), -1);
+    QApplication::processEvents();
+    ASSERT_EQ(prompts.messages.size(), 1);
+    EXPECT_EQ(prompts.messages[0].text, QStringLiteral("You have no audio input devices!"));
+    // Loading went on: the task pane and the lists are there.
+    EXPECT_EQ(ctx().cameraPanel->cbovideostand()->count(), 20);
+}
+
+TEST_F(LifecycleTest, WindowHeightHasAFloorOf2800Twips)
+{
+    window->show();
+    const double tpp = window->twipsPerPixelY();
+    ASSERT_GT(tpp, 0.0);
+    window->resize(900, static_cast<int>(2000 / tpp));
+    QApplication::processEvents();
+    const double outer = window->frameGeometry().height() * tpp;
+    EXPECT_GE(outer, 2800.0);
+    EXPECT_LT(outer, 2800.0 + tpp) << "snapped to the floor, not above it";
+    window->resize(900, 600);
+    QApplication::processEvents();
+    EXPECT_EQ(window->height(), 600) << "taller windows are left alone";
+    EXPECT_EQ(window->width(), 900);
+}
+
+TEST_F(LifecycleTest, ClosingTheWindowStopsTheLevelDisplayAndEndsEverything)
+{
+    bool running = true;
+    QStringList order;
+    ctx().audioDisplayRunning = [&] { return running; };
+    ctx().stopAudioDisplay = [&] {
+        running = false;
+        order << QStringLiteral("stopDisplay");
+    };
+    QWidget other;
+    other.show();
+    window->show();
+    window->close();
+    EXPECT_FALSE(running);
+    EXPECT_TRUE(trace.has(QStringLiteral("endProgram")));
+    EXPECT_TRUE(trace.has(QStringLiteral("slides.shutdown")));
+    EXPECT_FALSE(other.isVisible()) << "every other window closes with the main window";
+    EXPECT_TRUE(prompts.messages.isEmpty()) << "closing the frame does not ask";
+}
+
+TEST_F(LifecycleTest, ControlsCarryTheirDesignNames)
+{
+    for (const char* name : {"Picture1", "frmSS", "parentPic", "textBoard_txt", "WebBrowser1", "VideoCap1",
+                             "infobar_pic", "StatusBar1", "Toolbar1", "ebDemo", "Text1", "Text2", "Text3", "Text4",
+                             "ppt_txt", "slide_txt", "slideNow_txt", "cboDevice", "cboVideoFormat", "cbovideostand",
+                             "Label12", "Label13", "Label15", "Label16", "title_txt", "presenter_txt"})
+        EXPECT_NE(window->findChild<QWidget*>(QString::fromLatin1(name)), nullptr) << name;
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Mirabend 1.0"));
+    EXPECT_EQ(ctx().fields.ppt_txt->text(), QStringLiteral("no"));
+    EXPECT_EQ(ctx().fields.Text1->text(), QString());
+    EXPECT_EQ(ctx().mode(), QStringLiteral("Mode: Single"));
+    EXPECT_TRUE(ctx().stage->frmSS()->testAttribute(Qt::WA_NativeWindow)) << "the show is embedded by window id";
+}
+
+TEST_F(LifecycleTest, ToolbarAndTaskPaneCarryTheDesignedKeys)
+{
+    KeyedToolbar& bar = *ctx().toolbar1;
+    QStringList keys;
+    for (int i = 1; i <= bar.buttonCount(); ++i) {
+        if (!bar.key(i).isEmpty())
+            keys << bar.key(i);
+    }
+    EXPECT_EQ(keys.size(), 14);
+    for (const char* key : {"open", "cam", "slides", "text", "draw", "web", "record", "pause", "stop", "uni", "mix",
+                            "side", "options", "exit"})
+        EXPECT_TRUE(keys.contains(QLatin1String(key))) << key;
+    EXPECT_EQ(bar.caption(13), QStringLiteral("Pause"));
+    EXPECT_EQ(bar.image(13), 6);
+
+    QStringList designed;
+    for (ExplorerBarGroup* group : ctx().ebDemo->groups()) {
+        if (group->key() != QLatin1String("record") && group->key() != QLatin1String("layout"))
+            designed << group->caption() + QLatin1Char('/') + group->key();
+    }
+    EXPECT_EQ(designed, (QStringList{"Camera Settings/camera", "Titles/titles", "Slides/powerpoint", "Notes/text",
+                                     "Draw/draw", "Web/web", "About/help"}));
+    QStringList slides;
+    for (ExplorerBarItem* entry : ctx().ebDemo->group(QStringLiteral("powerpoint"))->items())
+        slides << entry->caption() + QLatin1Char('/') + entry->key();
+    EXPECT_EQ(slides, (QStringList{" First/first", " Next/next", " Previous/previous", " Last/last",
+                                   " End Show/exit"}));
+    for (const char* key : {"options", "startrec", "pause", "stop", "mic"})
+        EXPECT_NE(ctx().ebDemo->item(QStringLiteral("record"), QLatin1String(key)), nullptr) << key;
+    for (const char* key : {"rotate0", "rotate1", "rotate2", "rotate3", "dec"})
+        EXPECT_NE(ctx().ebDemo->item(QStringLiteral("layout"), QLatin1String(key)), nullptr) << key;
+    // Several bars may stay open at once.
+    ctx().ebDemo->group(QStringLiteral("camera"))->setExpanded(true);
+    ctx().ebDemo->group(QStringLiteral("web"))->setExpanded(true);
+    EXPECT_TRUE(ctx().ebDemo->group(QStringLiteral("camera"))->isExpanded());
+    EXPECT_TRUE(ctx().ebDemo->group(QStringLiteral("web"))->isExpanded());
+}
+
+TEST_F(LifecycleTest, ClickingAToolbarButtonDispatchesItsKey)
+{
+    ctx().toolbar1->click(ctx().toolbar1->position(QStringLiteral("side")));
+    EXPECT_EQ(ctx().mode(), QStringLiteral("Mode: Side"));
+    ctx().ebDemo->item(QStringLiteral("record"), QStringLiteral("mic"))->click();
+    EXPECT_TRUE(trace.has(QStringLiteral("showRecorder")));
+    ctx().toolbar1->setButtonEnabled(12, false);
+    ctx().fields.ppt_txt->setText(QStringLiteral("ppt"));
+    ctx().toolbar1->click(12);
+    EXPECT_FALSE(trace.has(QStringLiteral("StartRecPre"))) << "a disabled record button does nothing";
+}
+
+} // namespace
+} // namespace mirabend::test

@@ -1,0 +1,168 @@
+#include "ShellFixture.h"
+#include "shell/CameraSettingsPanel.h"
+#include "shell/PresentationModes.h"
+
+#include <QLabel>
+#include <QTextEdit>
+#include <ostream>
+
+namespace mirabend {
+void PrintTo(const Rect4& r, std::ostream* os)
+{
+    *os << "{top " << r.top << ", left " << r.left << ", height " << r.height << ", width " << r.width << "}";
+}
+} // namespace mirabend
+
+namespace mirabend::test {
+namespace {
+
+class ModesTest : public ShellTest {};
+
+TEST_F(ModesTest, SideModePlacesCameraAndShrunkContentBesideIt)
+{
+    window->modes().SideMode();
+    EXPECT_EQ(mode(), QStringLiteral("Mode: Side"));
+    EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{20, 645, 109, 145}));
+    // 625 wide, 625 / 1.3333 high, for every content pane alike.
+    const Rect4 content{20, 10, 469, 625};
+    EXPECT_EQ(rectOf(stage().frmSS()), content);
+    EXPECT_EQ(rectOf(stage().parentPic()), content);
+    EXPECT_EQ(rectOf(stage().textBoard_txt()), content);
+    EXPECT_EQ(rectOf(stage().WebBrowser1()), content);
+    EXPECT_TRUE(pane::Visible(stage().infobar_pic()));
+    EXPECT_TRUE(pane::Visible(stage().VideoCap1()));
+}
+
+TEST_F(ModesTest, MixedModeLaysCameraOverFullContent)
+{
+    window->modes().SideMode();
+    window->modes().MixedMode();
+    EXPECT_EQ(mode(), QStringLiteral("Mode: Mixed"));
+    EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{20, 645, 109, 145}));
+    const Rect4 full{0, 0, 435, 580};
+    for (QWidget* w : {stage().frmSS(), stage().parentPic(), static_cast<QWidget*>(stage().textBoard_txt()),
+                       stage().WebBrowser1()})
+        EXPECT_EQ(rectOf(w), full) << w->objectName().toStdString();
+    EXPECT_FALSE(pane::Visible(stage().infobar_pic()));
+    EXPECT_TRUE(pane::Visible(stage().VideoCap1()));
+}
+
+TEST_F(ModesTest, SingleModeGivesEveryPaneTheFullPlaceAndHidesTheInset)
+{
+    window->modes().MixedMode();
+    window->modes().SingleMode();
+    EXPECT_EQ(mode(), QStringLiteral("Mode: Single"));
+    const Rect4 full{0, 0, 435, 580};
+    EXPECT_EQ(rectOf(stage().frmSS()), full);
+    EXPECT_EQ(rectOf(stage().VideoCap1()), full) << "the camera pane gets the slide pane's place too";
+    EXPECT_TRUE(pane::Visible(stage().frmSS()));
+    EXPECT_FALSE(pane::Visible(stage().VideoCap1())) << "the 145 wide inset is hidden";
+    EXPECT_FALSE(pane::Visible(stage().infobar_pic()));
+}
+
+TEST_F(ModesTest, EachModeIsBracketedAndRestartsOnlyWhatItMust)
+{
+    // Single -> Side: camera restart and re-embedding.
+    window->modes().SideMode();
+    EXPECT_EQ(trace.calls, (QStringList{"PauseRec", "PreviewCam1", "OpenSlidesResize", "ResumeRec mode=Mode: Side"}));
+    // Side -> Single: the camera restarts (from the geometry) and the show is re-embedded.
+    trace.calls.clear();
+    window->modes().SingleMode();
+    EXPECT_EQ(trace.calls, (QStringList{"PauseRec", "PreviewCam1", "OpenSlidesResize", "ResumeRec mode=Mode: Side"}))
+        << "Single mode writes its text only after the resume";
+    EXPECT_EQ(mode(), QStringLiteral("Mode: Single"));
+    // Single -> Mixed: camera restart, no re-embedding.
+    trace.calls.clear();
+    window->modes().MixedMode();
+    EXPECT_EQ(trace.calls, (QStringList{"PauseRec", "PreviewCam1", "ResumeRec mode=Mode: Mixed"}));
+    // Mixed -> Single: camera restart, no re-embedding.
+    trace.calls.clear();
+    window->modes().SingleMode();
+    EXPECT_EQ(trace.calls, (QStringList{"PauseRec", "PreviewCam1", "ResumeRec mode=Mode: Mixed"}));
+    // Mixed -> Side -> Mixed: the show is re-embedded both ways, the camera is not restarted.
+    window->modes().MixedMode();
+    trace.calls.clear();
+    window->modes().SideMode();
+    window->modes().MixedMode();
+    EXPECT_EQ(trace.calls.count(QStringLiteral("OpenSlidesResize")), 2);
+    EXPECT_FALSE(trace.has(QStringLiteral("PreviewCam1")));
+}
+
+TEST_F(ModesTest, StatusTextClearedAfterModeChangeOnlyWhenNotRecording)
+{
+    window->modes().SideMode();
+    EXPECT_EQ(ctx().status->panelText(1), QString());
+    ctx().fields.Text4->setText(QStringLiteral("run"));
+    window->modes().MixedMode();
+    EXPECT_EQ(ctx().status->panelText(1), QStringLiteral("Recording ..."));
+    window->modes().SingleMode();
+    EXPECT_EQ(ctx().status->panelText(1), QStringLiteral("Recording ..."));
+}
+
+TEST_F(ModesTest, SlidePaneIsTheDefaultContentWhenNothingShows)
+{
+    for (QWidget* w : {stage().frmSS(), stage().parentPic(), static_cast<QWidget*>(stage().textBoard_txt()),
+                       stage().WebBrowser1()})
+        w->hide();
+    window->modes().MixedMode();
+    EXPECT_TRUE(pane::Visible(stage().frmSS()));
+    // With another pane showing, the slide pane stays hidden.
+    click("draw");
+    window->modes().SideMode();
+    EXPECT_FALSE(pane::Visible(stage().frmSS()));
+    EXPECT_TRUE(pane::Visible(stage().parentPic()));
+}
+
+TEST_F(ModesTest, CameraCornersActOnlyInMixedMode)
+{
+    CameraSettingsPanel* panel = ctx().cameraPanel;
+    window->modes().SideMode();
+    const Rect4 before = rectOf(stage().VideoCap1());
+    CameraCorner(ctx()).Label16_Click();
+    EXPECT_EQ(rectOf(stage().VideoCap1()), before);
+
+    window->modes().MixedMode();
+    CameraCorner corner(ctx());
+    corner.Label16_Click();
+    EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{481, 10, 109, 145}));
+    EXPECT_EQ(panel->cornerLabel(3)->palette().color(QPalette::Window), QColor(99, 99, 200));
+    for (int other : {0, 1, 2})
+        EXPECT_EQ(panel->cornerLabel(other)->palette().color(QPalette::Window), QColor(255, 255, 255));
+    corner.Label13_Click();
+    EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{481, 645, 109, 145}));
+    corner.Label15_Click();
+    EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{20, 10, 109, 145}));
+    EXPECT_EQ(panel->cornerLabel(2)->palette().color(QPalette::Window), QColor(99, 99, 200));
+    // Mixed mode puts the camera back top right and leaves the marks alone.
+    window->modes().MixedMode();
+    EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{20, 645, 109, 145}));
+    EXPECT_EQ(panel->cornerLabel(2)->palette().color(QPalette::Window), QColor(99, 99, 200));
+}
+
+TEST_F(ModesTest, FullSizeCameraSurvivesSingleMode)
+{
+    for (const char* start : {"uni", "side", "mix"}) {
+        click(start);
+        click("cam");
+        EXPECT_EQ(mode(), QStringLiteral("Mode: Single")) << start;
+        EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{0, 0, 435, 580})) << start;
+        EXPECT_TRUE(pane::Visible(stage().VideoCap1())) << start;
+        EXPECT_TRUE(pane::Visible(stage().infobar_pic())) << start;
+        EXPECT_TRUE(pane::Visible(stage().frmSS())) << "the slide pane lies beneath";
+        EXPECT_TRUE(ctx().ebDemo->group(QStringLiteral("camera"))->isExpanded());
+        EXPECT_FALSE(ctx().ebDemo->group(QStringLiteral("powerpoint"))->isExpanded());
+    }
+    // Single mode again keeps the enlarged camera.
+    window->modes().SingleMode();
+    EXPECT_TRUE(pane::Visible(stage().VideoCap1()));
+}
+
+TEST_F(ModesTest, SingleModeShowsTheLayoutToolbarsSixthButton)
+{
+    ctx().modeToolbar->setButtonVisible(6, false);
+    window->modes().SingleMode();
+    EXPECT_TRUE(ctx().modeToolbar->isButtonVisible(6));
+}
+
+} // namespace
+} // namespace mirabend::test
