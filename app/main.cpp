@@ -9,6 +9,7 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QScreen>
+#include <QStringList>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -24,8 +25,12 @@ void printHelp(const mirabend::CommandLineTool* const* tools, int count)
                 "  PRESENTATION         open this .ppt, .pptx or .pps file instead of the welcome show\n"
                 "  -h, --help           show this help and exit\n"
                 "  -v, --version        show the version and exit\n");
-    for (int i = 0; i < count; ++i)
-        std::printf("\n  %s\n%s", tools[i]->synopsis, tools[i]->help);
+    for (int i = 0; i < count; ++i) {
+        std::printf("\n  %s\n", tools[i]->synopsis);
+        const QStringList lines = QString::fromUtf8(tools[i]->help).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        for (const QString& line : lines)
+            std::printf("      %s\n", qPrintable(line.trimmed()));
+    }
     std::printf("\nFiles are written to the program folder when it is writable, else to\n"
                 "$XDG_DATA_HOME/mirabend. Nothing is stored between runs.\n");
 }

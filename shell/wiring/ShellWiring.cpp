@@ -1,5 +1,8 @@
 #include "shell/wiring/ShellWiring.h"
 
+#include "recording/engine/RecordScreenTool.h"
+#include "recording/ui/remote/RemoteClient.h"
+#include "shell/wiring/RecordingWiring.h"
 #include "util/CommandLineTool.h"
 
 namespace mirabend {
@@ -8,13 +11,20 @@ ShellServices makeShellServices(Prompts& prompts)
 {
     ShellServices services;
     services.prompts = &prompts;
+    services.makeRecording = [&prompts](Mirabend_frm& window) -> std::unique_ptr<RecordingPort> {
+        return std::make_unique<RecordingWiring>(window, prompts);
+    };
     return services;
 }
 
 const CommandLineTool* const* commandLineTools(int* count)
 {
-    static const CommandLineTool* const tools[] = {nullptr};
-    *count = 0;
+    static const CommandLineTool* const tools[] = {
+        &kRecordScreenTool,
+        &kRemoteCommandTool,
+        &kRemoteRecordToTool,
+    };
+    *count = static_cast<int>(sizeof tools / sizeof tools[0]);
     return tools;
 }
 
