@@ -214,13 +214,10 @@ void Mirabend_frm::InitDevices()
 {
     m_audioDevices = m_ctx.ports.audio->inputDevices();
     if (m_audioDevices.isEmpty()) {
-        // Reported once the window is up, so the message has a window to
-        // belong to; loading carries on either way.
-        QTimer::singleShot(0, this, [this] {
-            if (m_services.prompts)
-                m_services.prompts->show(QStringLiteral("You have no audio input devices!"),
-                                         QStringLiteral("Mirabend 1.0"), PromptIcon::Exclamation);
-        });
+        // Reported when loading is done and the window is up (see
+        // Form_Load), so the message has a window to belong to and does not
+        // hold up the start.
+        m_reportNoAudioDevices = true;
         return;
     }
     if (ExplorerBarItem* mic = m_ctx.ebDemo->item(QStringLiteral("record"), QStringLiteral("mic")))
@@ -247,6 +244,14 @@ void Mirabend_frm::Form_Load()
     CameraSettingsPanel::fillList(m_ctx.cameraPanel->cboDevice(), m_ctx.ports.camera->deviceNames());
     CameraSettingsPanel::fillList(m_ctx.cameraPanel->cboVideoFormat(), m_ctx.ports.camera->formatNames());
     m_ctx.cameraPanel->fillStandards();
+    if (m_reportNoAudioDevices) {
+        m_reportNoAudioDevices = false;
+        QTimer::singleShot(0, this, [this] {
+            if (m_services.prompts)
+                m_services.prompts->show(QStringLiteral("You have no audio input devices!"),
+                                         QStringLiteral("Mirabend 1.0"), PromptIcon::Exclamation);
+        });
+    }
 }
 
 void Mirabend_frm::wireCamera()

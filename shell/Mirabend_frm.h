@@ -101,6 +101,7 @@ private:
     QStringList m_audioDevices;
     double m_twipsPerPixelX = 15.0;
     double m_twipsPerPixelY = 15.0;
+    bool m_reportNoAudioDevices = false;
     bool m_initialized = false;
     bool m_loaded = false;
     bool m_ending = false;

@@ -15,6 +15,7 @@ bool ChildProcess::start(const std::vector<std::string>& argv, const std::vector
                          const std::string& logFile, int keepFd)
 {
     stop();
+    m_exitCode = -1;
     if (argv.empty())
         return false;
     const pid_t pid = fork();
@@ -49,6 +50,12 @@ bool ChildProcess::start(const std::vector<std::string>& argv, const std::vector
     return true;
 }
 
+void ChildProcess::reaped(int status)
+{
+    m_exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    m_pid = -1;
+}
+
 bool ChildProcess::running()
 {
     if (m_pid <= 0)
@@ -56,10 +63,21 @@ bool ChildProcess::running()
     int status = 0;
     const pid_t r = waitpid(m_pid, &status, WNOHANG);
     if (r == m_pid) {
-        m_pid = -1;
+        reaped(status);
         return false;
     }
     return r == 0;
+}
+
+int ChildProcess::wait(int timeoutMs)
+{
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+    while (running()) {
+        if (std::chrono::steady_clock::now() >= deadline)
+            return -1;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return m_exitCode;
 }
 
 void ChildProcess::stop(int graceMs)

@@ -24,9 +24,16 @@ public:
     void stop(int graceMs = 2000);
     bool running();
     pid_t pid() const { return m_pid; }
+    // Waits up to `timeoutMs` for the process to end by itself; returns its
+    // exit code, or -1 when it was killed by a signal or is still running.
+    int wait(int timeoutMs);
+    // The exit code of a process that ended on its own (-1 otherwise).
+    int exitCode() const { return m_exitCode; }
 
 private:
+    void reaped(int status);
     pid_t m_pid = -1;
+    int m_exitCode = -1;
 };
 
 // True when `program` is found in PATH.
