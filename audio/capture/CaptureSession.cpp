@@ -8,6 +8,7 @@ namespace {
 
 constexpr int kWaitMs = 100;    // how often the capture thread looks at the stop flag
 constexpr unsigned kPeriods = 4; // device buffer, in capture buffers
+constexpr int kLateWaitMs = 5;   // waiting for the owner to give a buffer back
 
 std::string alsaText(const char* step, int err)
 {
@@ -16,7 +17,8 @@ std::string alsaText(const char* step, int err)
 
 // Sets up the device for interleaved 16-bit capture; returns a failure when
 // the device refuses the format.
-CaptureFailure configure(snd_pcm_t* pcm, const CaptureFormat& format, snd_pcm_uframes_t framesPerBuffer)
+CaptureFailure configure(snd_pcm_t* pcm, const CaptureFormat& format, snd_pcm_uframes_t framesPerBuffer,
+                         long* deviceFrames)
 {
     snd_pcm_hw_params_t* rawHw = nullptr;
     if (snd_pcm_hw_params_malloc(&rawHw) < 0)
@@ -38,6 +40,7 @@ CaptureFailure configure(snd_pcm_t* pcm, const CaptureFormat& format, snd_pcm_uf
     snd_pcm_hw_params_set_period_size_near(pcm, hw.get(), &period, &dir);
     snd_pcm_uframes_t bufferFrames = framesPerBuffer * kPeriods;
     snd_pcm_hw_params_set_buffer_size_near(pcm, hw.get(), &bufferFrames);
+    *deviceFrames = static_cast<long>(bufferFrames);
     if ((err = snd_pcm_hw_params(pcm, hw.get())) < 0)
         return {CaptureError::FormatRefused, alsaText("setting the capture format", err)};
 
@@ -73,7 +76,8 @@ std::unique_ptr<CaptureSession> CaptureSession::start(const std::string& pcmName
         return nullptr;
     }
     const auto framesPerBuffer = static_cast<snd_pcm_uframes_t>(format.bufferSize / frameBytes);
-    if (CaptureFailure refused = configure(pcm.get(), format, framesPerBuffer)) {
+    long deviceFrames = 0;
+    if (CaptureFailure refused = configure(pcm.get(), format, framesPerBuffer, &deviceFrames)) {
         refused.detail = "\"" + pcmName + "\": " + refused.detail;
         *failure = refused;
         return nullptr;
@@ -83,6 +87,7 @@ std::unique_ptr<CaptureSession> CaptureSession::start(const std::string& pcmName
         return nullptr;
     }
     std::unique_ptr<CaptureSession> session(new CaptureSession(std::move(pcm), format, std::move(wake)));
+    session->m_deviceFrames = deviceFrames;
     session->m_thread = std::thread([s = session.get()] { s->run(); });
     return session;
 }
@@ -168,6 +173,14 @@ bool CaptureSession::recover(int err)
     return false;
 }
 
+// True while the device can take more than one further capture buffer
+// before it overruns.
+bool CaptureSession::deviceHasRoom(long framesPerBuffer)
+{
+    const snd_pcm_sframes_t avail = snd_pcm_avail_update(m_pcm.get());
+    return avail >= 0 && avail + 2 * framesPerBuffer <= m_deviceFrames;
+}
+
 void CaptureSession::run()
 {
     const auto channels = m_format.channels;
@@ -181,7 +194,16 @@ void CaptureSession::run()
     while (!m_stop) {
         if (!haveTarget) {
             const std::optional<int> next = m_free.popFor(std::chrono::milliseconds(0));
-            current = next ? *next : -1;
+            if (!next && filled == 0 && deviceHasRoom(framesPerBuffer)) {
+                // The owner is behind: let the device's own buffer hold the
+                // audio a little longer before any of it is given up.
+                const std::optional<int> late = m_free.popFor(std::chrono::milliseconds(kLateWaitMs));
+                if (!late)
+                    continue;
+                current = *late;
+            } else {
+                current = next ? *next : -1;
+            }
             haveTarget = true;
         }
         const int ready = snd_pcm_wait(m_pcm.get(), kWaitMs);

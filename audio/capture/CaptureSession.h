@@ -5,9 +5,10 @@
 // Buffers circulate through two bounded queues of indices: the capture thread
 // takes a free buffer, fills it completely and queues it as filled; the
 // consumer takes filled buffers in order and gives each one back when done.
-// When no buffer is free (the consumer is behind) the capture thread keeps
-// reading into a scratch block and counts each lost buffer; it never waits
-// for the consumer. Device overruns are recovered and counted; a device that
+// When no buffer is free (the consumer is behind) the capture thread lets the
+// device's own buffer fill while it has room; once it has not, it reads into a
+// scratch block and counts each lost buffer, so the device never overruns on
+// the consumer's account. Device overruns are recovered and counted; a device that
 // fails for good ends the thread and is reported through failure().
 //
 // Thread contract:
@@ -80,6 +81,7 @@ private:
     CaptureSession(alsa::Pcm pcm, const CaptureFormat& format, Wake wake);
     void run();
     bool recover(int err);
+    bool deviceHasRoom(long framesPerBuffer);
     void fail(CaptureError code, std::string detail);
 
     alsa::Pcm m_pcm;
@@ -88,6 +90,7 @@ private:
     std::vector<CaptureBuffer> m_buffers;
     BoundedQueue<int> m_free;
     BoundedQueue<int> m_filled;
+    long m_deviceFrames = 0; // size of the device's own buffer
     std::atomic<bool> m_stop{false};
     std::atomic<std::uint64_t> m_buffersFilled{0};
     std::atomic<std::uint64_t> m_buffersDropped{0};

@@ -6,6 +6,8 @@ namespace {
 std::string field(const std::string& text, int width)
 {
     std::string out = text.substr(0, static_cast<std::size_t>(width - 1));
+    while (!out.empty() && out.back() == ' ')
+        out.pop_back();
     out.resize(static_cast<std::size_t>(width), '\0');
     return out;
 }
