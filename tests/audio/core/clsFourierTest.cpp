@@ -1,0 +1,171 @@
+#include "audio/core/AudioError.h"
+#include "audio/core/clsFourier.h"
+#include "audio/core/clsSmooth.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <functional>
+#include <random>
+#include <vector>
+
+namespace mirabend::test {
+namespace {
+
+std::vector<std::complex<double>> naiveDft(const std::vector<std::complex<double>>& x)
+{
+    const std::size_t n = x.size();
+    std::vector<std::complex<double>> out(n);
+    for (std::size_t k = 0; k < n; ++k) {
+        std::complex<double> sum;
+        for (std::size_t t = 0; t < n; ++t)
+            sum += x[t] * std::polar(1.0, -2 * M_PI * static_cast<double>(k * t % n) / static_cast<double>(n));
+        out[k] = sum;
+    }
+    return out;
+}
+
+int errorNumber(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const AudioError& e) {
+        return e.number();
+    }
+    return 0;
+}
+
+TEST(clsFourier, SizeMustBeAPowerOfTwo)
+{
+    clsFourier f;
+    for (const int bad : {1, 0, 3, 1000, -2})
+        EXPECT_EQ(errorNumber([&] { f.NumberOfSamples(bad); }), 380) << bad;
+    try {
+        f.NumberOfSamples(3);
+    } catch (const AudioError& e) {
+        EXPECT_STREQ(e.what(), "Number of samples must be a positive value of the form 2 ^ n");
+    }
+    EXPECT_EQ(errorNumber([&] { f.NumberOfSamples(2); }), 0);
+    EXPECT_EQ(errorNumber([&] { f.NumberOfSamples(1024); }), 0);
+    EXPECT_EQ(f.NumberOfSamples(), 1024);
+}
+
+TEST(clsFourier, IndicesOutsideOneToNOrBeforeTheSizeRaise381)
+{
+    clsFourier f;
+    EXPECT_EQ(errorNumber([&] { f.RealIn(1, 1.0); }), 381);
+    EXPECT_EQ(errorNumber([&] { f.RealOut(1); }), 381);
+    f.NumberOfSamples(8);
+    EXPECT_EQ(errorNumber([&] { f.RealOut(0); }), 381);
+    EXPECT_EQ(errorNumber([&] { f.RealOut(9); }), 381);
+    EXPECT_EQ(errorNumber([&] { f.ImagIn(9, 0.0); }), 381);
+    EXPECT_EQ(errorNumber([&] { f.MagnitudeOut(-1); }), 381);
+    EXPECT_EQ(errorNumber([&] { f.RealOut(8); }), 0);
+    try {
+        f.RealOut(0);
+    } catch (const AudioError& e) {
+        EXPECT_STREQ(e.what(), "Index out of range or number of samples unknown");
+    }
+}
+
+TEST(clsFourier, ConstantInputWithoutWindowIsHalvedIntoTheFirstBin)
+{
+    clsFourier f;
+    f.NumberOfSamples(16);
+    for (int i = 1; i <= 16; ++i)
+        f.RealIn(i, 1.0);
+    EXPECT_NEAR(f.RealOut(1), 8.0, 1e-12);
+    for (int i = 2; i <= 16; ++i)
+        EXPECT_NEAR(f.MagnitudeOut(i), 0.0, 1e-12) << "bin " << i;
+    EXPECT_GE(f.Timing(), 0.0);
+}
+
+TEST(clsFourier, MatchesANaiveDftWithAndWithoutWindow)
+{
+    std::mt19937 rng(7);
+    std::uniform_real_distribution<double> dist(-32768.0, 32767.0);
+    for (const int n : {2, 4, 8, 32, 64, 1024}) {
+        for (const bool window : {false, true}) {
+            clsFourier f;
+            f.NumberOfSamples(n);
+            f.WithTimeWindow(window);
+            std::vector<std::complex<double>> x(static_cast<std::size_t>(n));
+            for (int i = 0; i < n; ++i) {
+                const double v = dist(rng);
+                f.RealIn(i + 1, v);
+                const double weight = window ? 0.42 - 0.5 * std::cos(2 * M_PI * i / (n - 1)) +
+                                                   0.08 * std::cos(4 * M_PI * i / (n - 1))
+                                             : 0.5;
+                x[static_cast<std::size_t>(i)] = v * weight;
+            }
+            const std::vector<std::complex<double>> ref = naiveDft(x);
+            for (int k = 0; k < n; ++k) {
+                const std::complex<double> got = f.ComplexOut(k + 1);
+                const double tolerance = 1e-9 * n * 32768.0;
+                ASSERT_NEAR(got.real(), ref[static_cast<std::size_t>(k)].real(), tolerance)
+                    << "n " << n << " window " << window << " bin " << k;
+                ASSERT_NEAR(got.imag(), ref[static_cast<std::size_t>(k)].imag(), tolerance);
+                ASSERT_NEAR(f.MagnitudeOut(k + 1), std::abs(ref[static_cast<std::size_t>(k)]), tolerance);
+            }
+        }
+    }
+}
+
+TEST(clsFourier, ComplexInputAndARepeatedTransform)
+{
+    clsFourier f;
+    f.NumberOfSamples(32);
+    std::vector<std::complex<double>> x(32);
+    for (int i = 0; i < 32; ++i) {
+        f.RealIn(i + 1, 2.0 * i);     // halved: i
+        f.ImagIn(i + 1, -3.0 * i + 1); // taken as it stands
+        x[static_cast<std::size_t>(i)] = {static_cast<double>(i), -3.0 * i + 1};
+    }
+    std::vector<std::complex<double>> ref = naiveDft(x);
+    for (int k = 0; k < 32; ++k) {
+        EXPECT_NEAR(f.RealOut(k + 1), ref[static_cast<std::size_t>(k)].real(), 1e-9);
+        EXPECT_NEAR(f.ImagOut(k + 1), ref[static_cast<std::size_t>(k)].imag(), 1e-9);
+    }
+
+    // New inputs after a transform are transformed again.
+    for (int i = 0; i < 32; ++i)
+        f.RealIn(i + 1, 2.0);
+    EXPECT_NEAR(f.RealOut(1), 32.0, 1e-9);
+    EXPECT_NEAR(f.MagnitudeOut(2), 0.0, 1e-9);
+}
+
+TEST(clsSmooth, AveragesWhatItHoldsAndRemembersTheLargestFullAverage)
+{
+    clsSmooth s;
+    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 0.0f); // no ring yet
+    s.SmoothAdd(5.0f);                        // ignored without a ring
+    s.SmoothNew(5);
+    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 0.0f);
+    s.SmoothAdd(1.0f);
+    s.SmoothAdd(2.0f);
+    s.SmoothAdd(6.0f);
+    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 3.0f);
+    EXPECT_FLOAT_EQ(s.LargestAverage(), 0.0f); // not full yet
+
+    s.SmoothAdd(1.0f);
+    s.SmoothAdd(5.0f);
+    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 3.0f);
+    EXPECT_FLOAT_EQ(s.LargestAverage(), 3.0f);
+
+    // The sixth value replaces the first.
+    s.SmoothAdd(11.0f);
+    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 5.0f);
+    s.SmoothAdd(0.0f);
+    s.SmoothAdd(0.0f);
+    s.SmoothAdd(0.0f);
+    s.SmoothAdd(0.0f);
+    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 2.2f);
+    EXPECT_FLOAT_EQ(s.LargestAverage(), 5.0f);
+
+    s.SmoothNew(2);
+    EXPECT_FLOAT_EQ(s.LargestAverage(), 0.0f);
+}
+
+} // namespace
+} // namespace mirabend::test
