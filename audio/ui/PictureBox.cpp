@@ -14,25 +14,31 @@ PictureBox::PictureBox(QWidget* parent, QColor background)
     Cls();
 }
 
+QImage& PictureBox::image()
+{
+    const QSize wanted = size().expandedTo(QSize(1, 1));
+    if (wanted != m_image.size()) {
+        m_image = QImage(wanted, QImage::Format_RGB32);
+        m_image.fill(m_background);
+    }
+    return m_image;
+}
+
 void PictureBox::Cls()
 {
-    m_image.fill(m_background);
+    image().fill(m_background);
     update();
 }
 
 void PictureBox::paintEvent(QPaintEvent*)
 {
     QPainter p(this);
-    p.drawImage(0, 0, m_image);
+    p.drawImage(0, 0, image());
 }
 
-void PictureBox::resizeEvent(QResizeEvent* event)
+void PictureBox::resizeEvent(QResizeEvent*)
 {
-    const QSize size = event->size().expandedTo(QSize(1, 1));
-    if (size != m_image.size()) {
-        m_image = QImage(size, QImage::Format_RGB32);
-        Cls();
-    }
+    image();
 }
 
 } // namespace mirabend

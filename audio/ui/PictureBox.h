@@ -16,12 +16,12 @@ class PictureBox : public QWidget {
 public:
     explicit PictureBox(QWidget* parent = nullptr, QColor background = QColor(12, 14, 20));
 
-    QImage& image() { return m_image; }
-    const QImage& image() const { return m_image; }
+    // The image, kept at the widget's size (also before the widget is shown).
+    QImage& image();
     QColor background() const { return m_background; }
     // Inner size in the picture's units (pixels).
-    int scaleWidth() const { return m_image.width(); }
-    int scaleHeight() const { return m_image.height(); }
+    int scaleWidth() { return image().width(); }
+    int scaleHeight() { return image().height(); }
     // Fills the image with the background colour.
     void Cls();
 

@@ -34,8 +34,7 @@ void clsDraw::DrawAmplitudes(const std::vector<std::int16_t>& samples, PictureBo
     DrawRect(p, 0, 0, w, h, Qt::black);
     p.setPen(QColor(40, 48, 60));
     p.drawLine(0, c, w, c);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(QPen(QColor(0xFF, 0xFF, 0xFF), 1.0));
+    p.setPen(QColor(0xFF, 0xFF, 0xFF));
 
     QPainterPath path(QPointF(0, c));
     const double upper = static_cast<double>(samples.size()) - 1.0;

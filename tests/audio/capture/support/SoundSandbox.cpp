@@ -36,6 +36,11 @@ std::string asoundrc(const std::string& plugin, const SoundSandbox& box)
         rc += "ctl." + name + " { type mixtest layout \"" + layout + "\" state \"" + box.stateFile(layout) +
               "\" }\n";
     }
+    // A card whose mixer works but whose PCM cannot be opened, and one
+    // without any mixer.
+    rc += "pcm.mixtest_broken { type hw card 99 hint { show on description \"Test card that fails\" } }\n";
+    rc += "ctl.mixtest_broken { type mixtest layout \"server\" }\n";
+    rc += "pcm.mixtest_nomixer { type null hint { show on description \"Test card without mixer\" } }\n";
     return rc;
 }
 
