@@ -150,6 +150,7 @@ void Form1::buildControls()
     metersLayout->addWidget(picVUL, 0, 1);
     metersLayout->addWidget(caption("R", meters), 1, 0);
     metersLayout->addWidget(picVUR, 1, 1);
+    metersLayout->setColumnStretch(1, 1);
 
     lblTime = named(new QLabel("0:00", this), "lblTime");
     lblSize = named(new QLabel("0 bytes", this), "lblSize");

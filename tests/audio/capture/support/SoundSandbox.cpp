@@ -196,7 +196,7 @@ void RampSource::feed()
     std::vector<std::int16_t> chunk(1024 * m_channels);
     std::uint64_t frame = 0;
     const auto start = std::chrono::steady_clock::now();
-    const auto lead = std::chrono::milliseconds(100);
+    const auto lead = std::chrono::milliseconds(250); // stays below the 64 KB a pipe holds
     while (!m_stop) {
         const auto due = start + std::chrono::microseconds(frame * 1000000 / m_rate) - lead;
         std::this_thread::sleep_until(due);
