@@ -161,6 +161,10 @@ void Form1::cboDev_Click()
     if (lines > 0) {
         cboRecLine->setCurrentIndex(rec.SelectedMixerLine());
         cboRecLine_Click();
+    } else {
+        // Nothing to set a volume on.
+        sldVol->setEnabled(false);
+        lblVolPer->setText("0%");
     }
 }
 

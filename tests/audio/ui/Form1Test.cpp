@@ -162,6 +162,7 @@ TEST_F(Form1Test, RefusedDeviceIsReportedAndLeavesNoSources)
     EXPECT_EQ(prompts.messages[0].title, "Mirabend 1.0");
     EXPECT_EQ(prompts.messages[0].icon, PromptIcon::Exclamation);
     EXPECT_EQ(form->cboRecLine->count(), 0);
+    EXPECT_FALSE(form->sldVol->isEnabled());
 }
 
 TEST_F(Form1Test, DoButtonMessagesWhenRecordingCannotStart)
