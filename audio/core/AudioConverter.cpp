@@ -8,8 +8,7 @@ namespace mirabend {
 
 Failure<ConverterError> openConverter(const std::vector<std::uint8_t>& source,
                                       const std::vector<std::uint8_t>& target,
-                                      std::unique_ptr<AudioConverter>& converter)
-{
+                                      std::unique_ptr<AudioConverter>& converter) {
     converter.reset();
     WaveFormatFields in;
     WaveFormatFields out;

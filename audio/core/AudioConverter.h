@@ -23,11 +23,11 @@ namespace mirabend {
 
 enum class ConverterError {
     None = 0,
-    BadFormat,       // an image that does not decode, or an unsupported source
-    NoEncoder,       // FFmpeg has no encoder for the target tag
-    CodecRefused,    // the encoder would not open with these parameters
-    OutputTooSmall,  // the caller's output block cannot hold the result
-    EncodeFailed,    // the codec reported an error while encoding
+    BadFormat,      // an image that does not decode, or an unsupported source
+    NoEncoder,      // FFmpeg has no encoder for the target tag
+    CodecRefused,   // the encoder would not open with these parameters
+    OutputTooSmall, // the caller's output block cannot hold the result
+    EncodeFailed,   // the codec reported an error while encoding
 };
 
 struct ConvertResult {

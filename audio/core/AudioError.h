@@ -12,7 +12,9 @@ namespace mirabend {
 
 class AudioError : public std::runtime_error {
 public:
-    AudioError(int number, const std::string& text) : std::runtime_error(text), m_number(number) {}
+    AudioError(int number, const std::string& text)
+        : std::runtime_error(text)
+        , m_number(number) {}
     int number() const noexcept { return m_number; }
 
 private:
@@ -20,11 +22,11 @@ private:
 };
 
 namespace audio_error {
-constexpr int kSubscriptOutOfRange = 9;  // "Subscript out of range"
-constexpr int kEncoderRunning = 90;      // "Encoder already running!"
-constexpr int kInvalidSamples = 380;     // transform size not a power of two
-constexpr int kIndexOutOfRange = 381;    // transform index or size unknown
-constexpr int kInvalidProperty = 32000;  // effects: rate, channels, bands
+constexpr int kSubscriptOutOfRange = 9; // "Subscript out of range"
+constexpr int kEncoderRunning = 90;     // "Encoder already running!"
+constexpr int kInvalidSamples = 380;    // transform size not a power of two
+constexpr int kIndexOutOfRange = 381;   // transform index or size unknown
+constexpr int kInvalidProperty = 32000; // effects: rate, channels, bands
 } // namespace audio_error
 
 } // namespace mirabend

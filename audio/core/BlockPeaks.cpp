@@ -4,8 +4,7 @@
 
 namespace mirabend {
 
-ChannelPeaks blockPeaks(const std::int16_t* samples, std::size_t count, int channels)
-{
+ChannelPeaks blockPeaks(const std::int16_t* samples, std::size_t count, int channels) {
     ChannelPeaks peaks;
     if (!samples)
         return peaks;

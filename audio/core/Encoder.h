@@ -15,11 +15,11 @@ namespace mirabend {
 // Result codes of the encoder operations.
 namespace encoder_result {
 constexpr std::int32_t kOk = 0;
-constexpr std::int32_t kNoFile = 2;           // no file open, or it could not be created
-constexpr std::int32_t kStreamFailed = 7;     // converter failed to open, or rate/channels below 1
-constexpr std::int32_t kBlockTooLarge = 8;    // block larger than the input block (one second)
-constexpr std::int32_t kConvertFailed = 9;    // conversion failed and consumed nothing
-constexpr std::int32_t kWriteFailed = 10;     // fewer bytes written than produced (disk full)
+constexpr std::int32_t kNoFile = 2;            // no file open, or it could not be created
+constexpr std::int32_t kStreamFailed = 7;      // converter failed to open, or rate/channels below 1
+constexpr std::int32_t kBlockTooLarge = 8;     // block larger than the input block (one second)
+constexpr std::int32_t kConvertFailed = 9;     // conversion failed and consumed nothing
+constexpr std::int32_t kWriteFailed = 10;      // fewer bytes written than produced (disk full)
 constexpr std::int32_t kChooserCancelled = 11; // the format chooser was cancelled or failed
 } // namespace encoder_result
 

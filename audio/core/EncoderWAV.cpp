@@ -15,42 +15,42 @@ namespace mirabend {
 namespace {
 
 constexpr std::size_t kInitialFormatBuffer = 131072;
+constexpr std::uint64_t kMaxWavFileSize = 0xFFFFFFFFull;
 
-void putTag(std::vector<std::uint8_t>& out, const char* tag) { out.insert(out.end(), tag, tag + 4); }
+void putTag(std::vector<std::uint8_t>& out, const char* tag) {
+    out.insert(out.end(), tag, tag + 4);
+}
 
-void putLe32(std::vector<std::uint8_t>& out, std::uint32_t v)
-{
+void putLe32(std::vector<std::uint8_t>& out, std::uint32_t v) {
     for (int i = 0; i < 4; ++i)
         out.push_back(static_cast<std::uint8_t>((v >> (8 * i)) & 0xFF));
 }
 
-std::string cutAtNul(const std::string& s) { return s.substr(0, s.find('\0')); }
+std::string cutAtNul(const std::string& s) {
+    return s.substr(0, s.find('\0'));
+}
 
 } // namespace
 
 EncoderWAV::EncoderWAV()
-    : m_format(kInitialFormatBuffer, 0)
-{
+    : m_format(kInitialFormatBuffer, 0) {
     const std::vector<std::uint8_t> pcm = pcmFormatImage(44100, 2);
     SetFormat(pcm.data(), pcm.size(), "PCM", "44.1 kHz 16 Bit Stereo");
 }
 
-EncoderWAV::~EncoderWAV()
-{
+EncoderWAV::~EncoderWAV() {
     if (isOpen())
         closeFile();
 }
 
-void EncoderWAV::WriteHeader(bool value)
-{
+void EncoderWAV::WriteHeader(bool value) {
     if (isOpen())
         throw AudioError(audio_error::kEncoderRunning, "Encoder already running!");
     m_writeHeader = value;
 }
 
 void EncoderWAV::SetFormat(const void* image, std::size_t size, const std::string& tagName,
-                           const std::string& description)
-{
+                           const std::string& description) {
     if (!image)
         return;
     if (size > m_format.size())
@@ -62,8 +62,7 @@ void EncoderWAV::SetFormat(const void* image, std::size_t size, const std::strin
 }
 
 void EncoderWAV::SetPCMFormat(std::int32_t sampleRate, std::int32_t channels, const std::string& tagName,
-                              const std::string& description)
-{
+                              const std::string& description) {
     std::string text = description;
     if (text.empty()) {
         // The rate in kHz to one decimal, without a trailing ".0".
@@ -79,8 +78,7 @@ void EncoderWAV::SetPCMFormat(std::int32_t sampleRate, std::int32_t channels, co
 }
 
 std::int32_t EncoderWAV::SelectFormat(std::int32_t sampleRate, std::int32_t channels, FormatChooser& chooser,
-                                      const std::string& title)
-{
+                                      const std::string& title) {
     const std::vector<FormatChoice> formats = availableFormats(sampleRate, channels);
     if (formats.empty()) {
         m_lastError = "no format can be made from " + std::to_string(sampleRate) + " Hz";
@@ -98,14 +96,12 @@ std::int32_t EncoderWAV::SelectFormat(std::int32_t sampleRate, std::int32_t chan
     return encoder_result::kOk;
 }
 
-std::vector<std::uint8_t> EncoderWAV::formatImage() const
-{
+std::vector<std::uint8_t> EncoderWAV::formatImage() const {
     return {m_format.begin(), m_format.begin() + static_cast<std::ptrdiff_t>(m_formatSize)};
 }
 
 std::int32_t EncoderWAV::Encoder_EncoderInit(std::int32_t sampleRate, std::int16_t channels,
-                                             const std::string& fileName)
-{
+                                             const std::string& fileName) {
     if (isOpen())
         closeFile();
     m_lastError.clear();
@@ -115,7 +111,8 @@ std::int32_t EncoderWAV::Encoder_EncoderInit(std::int32_t sampleRate, std::int16
     }
     m_source = pcmFormatImage(sampleRate, channels);
     m_sourceBlockAlign = static_cast<std::uint16_t>(2 * channels);
-    m_sourceByteRate = static_cast<std::uint32_t>(m_sourceBlockAlign) * static_cast<std::uint32_t>(sampleRate);
+    m_sourceByteRate =
+        static_cast<std::uint32_t>(m_sourceBlockAlign) * static_cast<std::uint32_t>(sampleRate);
 
     m_openFormat = formatImage();
     WaveFormatFields target;
@@ -149,8 +146,8 @@ std::int32_t EncoderWAV::Encoder_EncoderInit(std::int32_t sampleRate, std::int16
     return encoder_result::kOk;
 }
 
-std::int32_t EncoderWAV::Encoder_Encode(const void* data, std::int32_t byteCount, std::int32_t& bytesConsumed)
-{
+std::int32_t EncoderWAV::Encoder_Encode(const void* data, std::int32_t byteCount,
+                                        std::int32_t& bytesConsumed) {
     bytesConsumed = 0;
     if (!isOpen())
         return encoder_result::kNoFile;
@@ -164,20 +161,20 @@ std::int32_t EncoderWAV::Encoder_Encode(const void* data, std::int32_t byteCount
         std::memcpy(m_input.data(), data, count);
 
     ConvertResult r;
-    const Failure<ConverterError> f = m_converter->convert(m_input.data(), count, m_output.data(),
-                                                           m_output.size(), r);
+    const Failure<ConverterError> f =
+        m_converter->convert(m_input.data(), count, m_output.data(), m_output.size(), r);
     bytesConsumed = static_cast<std::int32_t>(r.used);
+    // What the converter produced reaches the file even when it then failed.
+    if (!writeAll(m_output.data(), r.produced))
+        return encoder_result::kWriteFailed;
     if (f) {
         m_lastError = f.detail;
         return r.used > 0 ? encoder_result::kOk : encoder_result::kConvertFailed;
     }
-    if (!writeAll(m_output.data(), r.produced))
-        return encoder_result::kWriteFailed;
     return encoder_result::kOk;
 }
 
-std::int32_t EncoderWAV::Encoder_EncoderMetrics(std::int32_t index) const
-{
+std::int32_t EncoderWAV::Encoder_EncoderMetrics(std::int32_t index) const {
     if (index != 0 && index != 1)
         return 0;
     if (!isOpen())
@@ -185,15 +182,13 @@ std::int32_t EncoderWAV::Encoder_EncoderMetrics(std::int32_t index) const
     return index == 1 ? static_cast<std::int32_t>(m_sourceByteRate) : m_sourceBlockAlign;
 }
 
-std::int32_t EncoderWAV::Encoder_EncoderClose()
-{
+std::int32_t EncoderWAV::Encoder_EncoderClose() {
     if (!isOpen())
         return encoder_result::kNoFile;
     return closeFile();
 }
 
-std::int32_t EncoderWAV::closeFile()
-{
+std::int32_t EncoderWAV::closeFile() {
     std::int32_t result = encoder_result::kOk;
     if (m_converter) {
         std::size_t produced = 0;
@@ -215,8 +210,7 @@ std::int32_t EncoderWAV::closeFile()
     return result;
 }
 
-bool EncoderWAV::writeHeaderNow()
-{
+bool EncoderWAV::writeHeaderNow() {
     const off_t end = ::lseek(m_fd, 0, SEEK_END);
     const std::size_t formatSize = m_openFormat.size();
     if (end < static_cast<off_t>(formatSize + 28)) {
@@ -245,9 +239,14 @@ bool EncoderWAV::writeHeaderNow()
 // Writes everything or reports why not. After a short append the file is cut
 // back to whole blocks of the target format, so the audio that did reach the
 // disk still decodes.
-bool EncoderWAV::writeAll(const std::uint8_t* data, std::size_t size, bool trimOnFailure)
-{
+bool EncoderWAV::writeAll(const std::uint8_t* data, std::size_t size, bool trimOnFailure) {
     const off_t start = ::lseek(m_fd, 0, SEEK_CUR);
+    // The RIFF sizes are 32-bit: a WAV file stops at 4 GiB like a full disk.
+    if (trimOnFailure && m_writeHeader && start >= 0 &&
+        static_cast<std::uint64_t>(start) + size > kMaxWavFileSize) {
+        m_lastError = m_fileName + ": a WAV file cannot grow past 4 GiB";
+        return false;
+    }
     std::size_t done = 0;
     while (done < size) {
         const ssize_t n = ::write(m_fd, data + done, size - done);
@@ -267,8 +266,12 @@ bool EncoderWAV::writeAll(const std::uint8_t* data, std::size_t size, bool trimO
     return true;
 }
 
-std::string EncoderWAV::Encoder_Description() const { return "Wave ACM Encoder"; }
+std::string EncoderWAV::Encoder_Description() const {
+    return "Wave ACM Encoder";
+}
 
-std::string EncoderWAV::Encoder_Extension() const { return "wav"; }
+std::string EncoderWAV::Encoder_Extension() const {
+    return "wav";
+}
 
 } // namespace mirabend

@@ -43,14 +43,12 @@ public:
     SampleBuffer() = default;
     SampleBuffer(const SampleBuffer&) = delete;
     SampleBuffer& operator=(const SampleBuffer&) = delete;
-    ~SampleBuffer()
-    {
+    ~SampleBuffer() {
         if (m_planes)
             av_freep(&m_planes[0]);
         av_freep(&m_planes);
     }
-    bool allocate(int channels, int samples, AVSampleFormat format)
-    {
+    bool allocate(int channels, int samples, AVSampleFormat format) {
         m_capacity = samples;
         return av_samples_alloc_array_and_samples(&m_planes, nullptr, channels, samples, format, 0) >= 0;
     }
@@ -62,21 +60,18 @@ private:
     int m_capacity = 0;
 };
 
-std::string avText(int err)
-{
+std::string avText(int err) {
     char text[AV_ERROR_MAX_STRING_SIZE] = {};
     av_strerror(err, text, sizeof text);
     return text;
 }
 
-void putLe16(std::vector<std::uint8_t>& out, std::uint32_t v)
-{
+void putLe16(std::vector<std::uint8_t>& out, std::uint32_t v) {
     out.push_back(static_cast<std::uint8_t>(v & 0xFF));
     out.push_back(static_cast<std::uint8_t>((v >> 8) & 0xFF));
 }
 
-AVCodecID codecFor(const WaveFormatFields& f)
-{
+AVCodecID codecFor(const WaveFormatFields& f) {
     switch (f.formatTag) {
     case wave_tag::kPcm:
         switch (f.bitsPerSample) {
@@ -108,8 +103,7 @@ AVCodecID codecFor(const WaveFormatFields& f)
     }
 }
 
-AVSampleFormat pickSampleFormat(const AVCodec* codec)
-{
+AVSampleFormat pickSampleFormat(const AVCodec* codec) {
     if (!codec->sample_fmts)
         return AV_SAMPLE_FMT_S16;
     for (const AVSampleFormat* f = codec->sample_fmts; *f != AV_SAMPLE_FMT_NONE; ++f) {
@@ -121,15 +115,13 @@ AVSampleFormat pickSampleFormat(const AVCodec* codec)
 
 // Opens the encoder for `f`'s tag, rate and channels. `parameter` is the bit
 // rate (MP3) or block size (ADPCM); 0 keeps the codec's default.
-Failure<ConverterError> openEncoder(const WaveFormatFields& f, std::int64_t parameter, CodecContextPtr& out)
-{
+Failure<ConverterError> openEncoder(const WaveFormatFields& f, std::int64_t parameter, CodecContextPtr& out) {
     const AVCodecID id = codecFor(f);
     if (id == AV_CODEC_ID_NONE)
         return {ConverterError::BadFormat, "no converter for format tag " + std::to_string(f.formatTag)};
     const AVCodec* codec = avcodec_find_encoder(id);
     if (!codec)
-        return {ConverterError::NoEncoder,
-                std::string("FFmpeg has no encoder for ") + avcodec_get_name(id)};
+        return {ConverterError::NoEncoder, std::string("FFmpeg has no encoder for ") + avcodec_get_name(id)};
     if (f.channels < 1 || f.samplesPerSec < 1)
         return {ConverterError::BadFormat, "the target format has no channels or no rate"};
     CodecContextPtr ctx(avcodec_alloc_context3(codec));
@@ -145,16 +137,15 @@ Failure<ConverterError> openEncoder(const WaveFormatFields& f, std::int64_t para
         av_opt_set_int(ctx->priv_data, "block_size", parameter, 0);
     const int err = avcodec_open2(ctx.get(), codec, nullptr);
     if (err < 0)
-        return {ConverterError::CodecRefused,
-                std::string(codec->name) + " refused " + std::to_string(f.samplesPerSec) + " Hz, " +
-                    std::to_string(f.channels) + " channels: " + avText(err)};
+        return {ConverterError::CodecRefused, std::string(codec->name) + " refused " +
+                                                  std::to_string(f.samplesPerSec) + " Hz, " +
+                                                  std::to_string(f.channels) + " channels: " + avText(err)};
     out = std::move(ctx);
     return {};
 }
 
 // The image of what an opened encoder produces.
-std::vector<std::uint8_t> imageOf(const AVCodecContext& ctx, std::uint16_t tag)
-{
+std::vector<std::uint8_t> imageOf(const AVCodecContext& ctx, std::uint16_t tag) {
     WaveFormatFields f;
     f.formatTag = tag;
     f.channels = static_cast<std::uint16_t>(ctx.ch_layout.nb_channels);
@@ -164,21 +155,21 @@ std::vector<std::uint8_t> imageOf(const AVCodecContext& ctx, std::uint16_t tag)
     case AV_CODEC_ID_ADPCM_IMA_WAV:
         f.bitsPerSample = 4;
         f.blockAlign = static_cast<std::uint16_t>(ctx.block_align);
-        f.avgBytesPerSec = static_cast<std::uint32_t>(
-            static_cast<std::int64_t>(ctx.block_align) * ctx.sample_rate / frame);
+        f.avgBytesPerSec =
+            static_cast<std::uint32_t>(static_cast<std::int64_t>(ctx.block_align) * ctx.sample_rate / frame);
         putLe16(f.extra, static_cast<std::uint32_t>(frame));
         break;
     case AV_CODEC_ID_ADPCM_MS:
         f.bitsPerSample = 4;
         f.blockAlign = static_cast<std::uint16_t>(ctx.block_align);
-        f.avgBytesPerSec = static_cast<std::uint32_t>(
-            static_cast<std::int64_t>(ctx.block_align) * ctx.sample_rate / frame);
+        f.avgBytesPerSec =
+            static_cast<std::uint32_t>(static_cast<std::int64_t>(ctx.block_align) * ctx.sample_rate / frame);
         if (ctx.extradata_size > 0) {
             f.extra.assign(ctx.extradata, ctx.extradata + ctx.extradata_size);
         } else {
             // Samples per block, then the seven standard coefficient pairs.
-            static const std::int16_t coef[7][2] = {{256, 0},    {512, -256}, {0, 0},     {192, 64},
-                                                     {240, 0},    {460, -208}, {392, -232}};
+            static const std::int16_t coef[7][2] = {{256, 0}, {512, -256}, {0, 0},     {192, 64},
+                                                    {240, 0}, {460, -208}, {392, -232}};
             putLe16(f.extra, static_cast<std::uint32_t>(frame));
             putLe16(f.extra, 7);
             for (const auto& c : coef) {
@@ -190,8 +181,8 @@ std::vector<std::uint8_t> imageOf(const AVCodecContext& ctx, std::uint16_t tag)
     case AV_CODEC_ID_GSM_MS:
         f.bitsPerSample = 0;
         f.blockAlign = static_cast<std::uint16_t>(ctx.block_align > 0 ? ctx.block_align : 65);
-        f.avgBytesPerSec = static_cast<std::uint32_t>(
-            static_cast<std::int64_t>(f.blockAlign) * ctx.sample_rate / (frame > 0 ? frame : 320));
+        f.avgBytesPerSec = static_cast<std::uint32_t>(static_cast<std::int64_t>(f.blockAlign) *
+                                                      ctx.sample_rate / (frame > 0 ? frame : 320));
         putLe16(f.extra, static_cast<std::uint32_t>(frame > 0 ? frame : 320));
         break;
     case AV_CODEC_ID_MP3: {
@@ -205,8 +196,7 @@ std::vector<std::uint8_t> imageOf(const AVCodecContext& ctx, std::uint16_t tag)
         putLe16(f.extra, 1);
         putLe16(f.extra, 2);
         putLe16(f.extra, 0);
-        putLe16(f.extra,
-                static_cast<std::uint32_t>(bitRate * samplesPerFrame / 8 / ctx.sample_rate));
+        putLe16(f.extra, static_cast<std::uint32_t>(bitRate * samplesPerFrame / 8 / ctx.sample_rate));
         putLe16(f.extra, 1);
         putLe16(f.extra, 1393);
         break;
@@ -226,9 +216,7 @@ class FfmpegConverter : public AudioConverter {
 public:
     FfmpegConverter(const WaveFormatFields& source, const WaveFormatFields& target)
         : m_source(source)
-        , m_target(target)
-    {
-    }
+        , m_target(target) {}
 
     Failure<ConverterError> open();
 
@@ -252,15 +240,14 @@ private:
     FramePtr m_frame;
     PacketPtr m_packet;
     SampleBuffer m_scratch;
-    int m_chunk = 0;           // samples per encoded frame
+    int m_chunk = 0; // samples per encoded frame
     bool m_holdsRemainder = false;
     bool m_wholeBlocksOnly = false;
     bool m_flushed = false;
     std::int64_t m_pts = 0;
 };
 
-Failure<ConverterError> FfmpegConverter::open()
-{
+Failure<ConverterError> FfmpegConverter::open() {
     std::int64_t parameter = 0;
     if (m_target.formatTag == wave_tag::kMpegLayer3)
         parameter = static_cast<std::int64_t>(m_target.avgBytesPerSec) * 8;
@@ -283,8 +270,8 @@ Failure<ConverterError> FfmpegConverter::open()
     if (err < 0 || (err = swr_init(m_swr.get())) < 0)
         return {ConverterError::CodecRefused, "resampler: " + avText(err)};
 
-    const bool resampling = m_source.samplesPerSec != m_target.samplesPerSec ||
-                            m_source.channels != m_target.channels;
+    const bool resampling =
+        m_source.samplesPerSec != m_target.samplesPerSec || m_source.channels != m_target.channels;
     const bool fixedFrames = m_ctx->frame_size > 0;
     m_holdsRemainder = fixedFrames && (m_target.blockAlign <= 1 || resampling);
     m_wholeBlocksOnly = fixedFrames && !m_holdsRemainder;
@@ -294,8 +281,8 @@ Failure<ConverterError> FfmpegConverter::open()
     m_fifo.reset(av_audio_fifo_alloc(m_ctx->sample_fmt, m_ctx->ch_layout.nb_channels, oneSecond * 2));
     m_frame.reset(av_frame_alloc());
     m_packet.reset(av_packet_alloc());
-    if (!m_fifo || !m_frame || !m_packet || !m_scratch.allocate(m_ctx->ch_layout.nb_channels, oneSecond,
-                                                                  m_ctx->sample_fmt))
+    if (!m_fifo || !m_frame || !m_packet ||
+        !m_scratch.allocate(m_ctx->ch_layout.nb_channels, oneSecond, m_ctx->sample_fmt))
         return {ConverterError::CodecRefused, "out of memory"};
     m_frame->format = m_ctx->sample_fmt;
     m_frame->sample_rate = m_ctx->sample_rate;
@@ -306,8 +293,7 @@ Failure<ConverterError> FfmpegConverter::open()
     return {};
 }
 
-std::size_t FfmpegConverter::outputSizeFor(std::size_t inputBytes) const
-{
+std::size_t FfmpegConverter::outputSizeFor(std::size_t inputBytes) const {
     const std::size_t frames = inputBytes / std::max<std::size_t>(m_source.blockAlign, 1);
     const std::size_t targetFrames =
         frames * m_target.samplesPerSec / std::max<std::uint32_t>(m_source.samplesPerSec, 1) +
@@ -322,18 +308,18 @@ std::size_t FfmpegConverter::outputSizeFor(std::size_t inputBytes) const
     return bytes + 16384;
 }
 
-Failure<ConverterError> FfmpegConverter::resampleIntoFifo(const std::uint8_t* input, int frames)
-{
+Failure<ConverterError> FfmpegConverter::resampleIntoFifo(const std::uint8_t* input, int frames) {
     const std::size_t stride = m_source.blockAlign;
     while (frames > 0 || !input) {
         // Feed at most half the scratch capacity at a time so the output fits.
         const int take = input ? std::min(frames, m_scratch.capacity() / 2) : 0;
         const std::uint8_t* in[1] = {input};
-        const int got = swr_convert(m_swr.get(), m_scratch.planes(), m_scratch.capacity(),
-                                    input ? in : nullptr, take);
+        const int got =
+            swr_convert(m_swr.get(), m_scratch.planes(), m_scratch.capacity(), input ? in : nullptr, take);
         if (got < 0)
             return {ConverterError::EncodeFailed, "resampler: " + avText(got)};
-        if (got > 0 && av_audio_fifo_write(m_fifo.get(), reinterpret_cast<void**>(m_scratch.planes()), got) < got)
+        if (got > 0 &&
+            av_audio_fifo_write(m_fifo.get(), reinterpret_cast<void**>(m_scratch.planes()), got) < got)
             return {ConverterError::EncodeFailed, "out of memory"};
         if (!input) {
             if (got == 0)
@@ -347,8 +333,7 @@ Failure<ConverterError> FfmpegConverter::resampleIntoFifo(const std::uint8_t* in
 }
 
 Failure<ConverterError> FfmpegConverter::drainPackets(std::uint8_t* output, std::size_t capacity,
-                                                      std::size_t& produced)
-{
+                                                      std::size_t& produced) {
     for (;;) {
         const int err = avcodec_receive_packet(m_ctx.get(), m_packet.get());
         if (err == AVERROR(EAGAIN) || err == AVERROR_EOF)
@@ -366,9 +351,8 @@ Failure<ConverterError> FfmpegConverter::drainPackets(std::uint8_t* output, std:
     }
 }
 
-Failure<ConverterError> FfmpegConverter::encodeFromFifo(bool finish, std::uint8_t* output, std::size_t capacity,
-                                                        std::size_t& produced)
-{
+Failure<ConverterError> FfmpegConverter::encodeFromFifo(bool finish, std::uint8_t* output,
+                                                        std::size_t capacity, std::size_t& produced) {
     const bool fixed = m_ctx->frame_size > 0;
     const bool smallLast = m_ctx->codec->capabilities & AV_CODEC_CAP_SMALL_LAST_FRAME;
     for (;;) {
@@ -401,8 +385,7 @@ Failure<ConverterError> FfmpegConverter::encodeFromFifo(bool finish, std::uint8_
 
 Failure<ConverterError> FfmpegConverter::convert(const std::uint8_t* input, std::size_t inputBytes,
                                                  std::uint8_t* output, std::size_t outputCapacity,
-                                                 ConvertResult& result)
-{
+                                                 ConvertResult& result) {
     result = {};
     if (m_flushed)
         return {ConverterError::EncodeFailed, "the stream has ended"};
@@ -419,8 +402,7 @@ Failure<ConverterError> FfmpegConverter::convert(const std::uint8_t* input, std:
 }
 
 Failure<ConverterError> FfmpegConverter::flush(std::uint8_t* output, std::size_t outputCapacity,
-                                               std::size_t& produced)
-{
+                                               std::size_t& produced) {
     produced = 0;
     if (m_flushed)
         return {};
@@ -438,8 +420,7 @@ Failure<ConverterError> FfmpegConverter::flush(std::uint8_t* output, std::size_t
 } // namespace
 
 Failure<ConverterError> openFfmpegConverter(const WaveFormatFields& source, const WaveFormatFields& target,
-                                            std::unique_ptr<AudioConverter>& converter)
-{
+                                            std::unique_ptr<AudioConverter>& converter) {
     auto c = std::make_unique<FfmpegConverter>(source, target);
     if (Failure<ConverterError> f = c->open())
         return f;
@@ -449,8 +430,7 @@ Failure<ConverterError> openFfmpegConverter(const WaveFormatFields& source, cons
 
 Failure<ConverterError> ffmpegTargetImage(std::uint16_t formatTag, std::int32_t sampleRate,
                                           std::int32_t channels, std::int32_t bitRateOrBlock,
-                                          std::vector<std::uint8_t>& image)
-{
+                                          std::vector<std::uint8_t>& image) {
     WaveFormatFields f;
     f.formatTag = formatTag;
     f.channels = static_cast<std::uint16_t>(channels);

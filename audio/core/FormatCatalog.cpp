@@ -9,11 +9,12 @@ namespace mirabend {
 
 namespace {
 
-std::string channelText(std::int32_t channels) { return channels == 2 ? "Stereo" : "Mono"; }
+std::string channelText(std::int32_t channels) {
+    return channels == 2 ? "Stereo" : "Mono";
+}
 
 void addIfMade(std::vector<FormatChoice>& out, std::uint16_t tag, std::int32_t rate, std::int32_t channels,
-               std::int32_t parameter, const std::string& tagName, const std::string& detail)
-{
+               std::int32_t parameter, const std::string& tagName, const std::string& detail) {
     std::vector<std::uint8_t> image;
     if (ffmpegTargetImage(tag, rate, channels, parameter, image))
         return; // this FFmpeg cannot make it
@@ -23,13 +24,13 @@ void addIfMade(std::vector<FormatChoice>& out, std::uint16_t tag, std::int32_t r
 
 } // namespace
 
-std::vector<FormatChoice> availableFormats(std::int32_t sampleRate, std::int32_t channels)
-{
+std::vector<FormatChoice> availableFormats(std::int32_t sampleRate, std::int32_t channels) {
     std::vector<FormatChoice> out;
     if (sampleRate < 1 || channels < 1)
         return out;
     const std::string khz = kiloHertzText(static_cast<std::uint32_t>(sampleRate));
-    out.push_back({pcmFormatImage(sampleRate, channels, 16), "PCM", khz + " 16 Bit " + channelText(channels)});
+    out.push_back(
+        {pcmFormatImage(sampleRate, channels, 16), "PCM", khz + " 16 Bit " + channelText(channels)});
     addIfMade(out, wave_tag::kPcm, sampleRate, channels, 8, "PCM", "8 Bit ");
     addIfMade(out, wave_tag::kMuLaw, sampleRate, channels, 0, "CCITT u-Law", "8 Bit ");
     addIfMade(out, wave_tag::kALaw, sampleRate, channels, 0, "CCITT A-Law", "8 Bit ");

@@ -5,6 +5,7 @@
 //
 // Thread contract: free functions; any thread.
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>

@@ -11,41 +11,38 @@ constexpr float kLn2 = 0.6931472f;
 
 // Round half to even, as the sample write-back requires (lrintf under the
 // default rounding mode).
-inline long roundEven(float v) { return std::lrintf(v); }
+inline long roundEven(float v) {
+    return std::lrintf(v);
+}
 
 } // namespace
 
-void IIRFilter::Bandwidth(float octaves)
-{
+void IIRFilter::Bandwidth(float octaves) {
     m_bandwidth = octaves;
     if (m_samplerate >= 1)
         design();
 }
 
-void IIRFilter::GainDB(float db)
-{
+void IIRFilter::GainDB(float db) {
     m_gainDB = db;
     if (m_samplerate >= 1)
         design();
 }
 
-void IIRFilter::Frequency(float hz)
-{
+void IIRFilter::Frequency(float hz) {
     m_frequency = hz;
     if (m_samplerate >= 1)
         design();
 }
 
-void IIRFilter::samplerate(std::int32_t hz)
-{
+void IIRFilter::samplerate(std::int32_t hz) {
     m_samplerate = hz;
     if (m_samplerate >= 1)
         design();
 }
 
 void IIRFilter::CreateBiquadIIR(std::int32_t type, float gainDB, float frequency, std::int32_t rate,
-                                float bandwidth)
-{
+                                float bandwidth) {
     m_type = type;
     m_gainDB = gainDB;
     m_frequency = frequency;
@@ -54,8 +51,7 @@ void IIRFilter::CreateBiquadIIR(std::int32_t type, float gainDB, float frequency
     design();
 }
 
-void IIRFilter::design()
-{
+void IIRFilter::design() {
     const float a = std::pow(10.0f, m_gainDB / 40.0f);
     const float omega = kTwoPi * m_frequency / static_cast<float>(m_samplerate);
     const float sn = std::sin(omega);
@@ -113,8 +109,7 @@ void IIRFilter::design()
     m_x1 = m_x2 = m_y1 = m_y2 = 0;
 }
 
-inline float IIRFilter::step(float x)
-{
+inline float IIRFilter::step(float x) {
     const float y = m_b0 * x + m_b1 * m_x1 + m_b2 * m_x2 - m_a1 * m_y1 - m_a2 * m_y2;
     m_x2 = m_x1;
     m_x1 = x;
@@ -123,8 +118,7 @@ inline float IIRFilter::step(float x)
     return y;
 }
 
-void IIRFilter::ProcessSamples_8bit(std::uint8_t* samples, std::size_t count)
-{
+void IIRFilter::ProcessSamples_8bit(std::uint8_t* samples, std::size_t count) {
     if (!m_enabled || !samples)
         return;
     for (std::size_t i = 0; i < count; ++i) {
@@ -138,8 +132,7 @@ void IIRFilter::ProcessSamples_8bit(std::uint8_t* samples, std::size_t count)
     }
 }
 
-void IIRFilter::ProcessSamples_16bit(std::int16_t* samples, std::size_t count)
-{
+void IIRFilter::ProcessSamples_16bit(std::int16_t* samples, std::size_t count) {
     if (!m_enabled || !samples)
         return;
     for (std::size_t i = 0; i < count; ++i) {

@@ -41,12 +41,10 @@ public:
 
     void ProcessSamples_8bit(std::uint8_t* samples, std::size_t count);
     void ProcessSamples_16bit(std::int16_t* samples, std::size_t count);
-    void ProcessSamples_8bit(std::vector<std::uint8_t>& samples)
-    {
+    void ProcessSamples_8bit(std::vector<std::uint8_t>& samples) {
         ProcessSamples_8bit(samples.data(), samples.size());
     }
-    void ProcessSamples_16bit(std::vector<std::int16_t>& samples)
-    {
+    void ProcessSamples_16bit(std::vector<std::int16_t>& samples) {
         ProcessSamples_16bit(samples.data(), samples.size());
     }
 

@@ -6,8 +6,7 @@ namespace mirabend {
 
 Failure<ConverterError> PcmCopyConverter::convert(const std::uint8_t* input, std::size_t inputBytes,
                                                   std::uint8_t* output, std::size_t outputCapacity,
-                                                  ConvertResult& result)
-{
+                                                  ConvertResult& result) {
     result = {};
     const std::size_t whole = inputBytes / m_blockAlign * m_blockAlign;
     if (whole > outputCapacity)

@@ -10,13 +10,13 @@ namespace mirabend {
 
 class PcmCopyConverter : public AudioConverter {
 public:
-    explicit PcmCopyConverter(std::size_t blockAlign) : m_blockAlign(blockAlign ? blockAlign : 1) {}
+    explicit PcmCopyConverter(std::size_t blockAlign)
+        : m_blockAlign(blockAlign ? blockAlign : 1) {}
 
     std::size_t outputSizeFor(std::size_t inputBytes) const override { return inputBytes; }
     Failure<ConverterError> convert(const std::uint8_t* input, std::size_t inputBytes, std::uint8_t* output,
                                     std::size_t outputCapacity, ConvertResult& result) override;
-    Failure<ConverterError> flush(std::uint8_t*, std::size_t, std::size_t& produced) override
-    {
+    Failure<ConverterError> flush(std::uint8_t*, std::size_t, std::size_t& produced) override {
         produced = 0;
         return {};
     }

@@ -17,11 +17,11 @@ namespace {
 
 class FileDescriptor {
 public:
-    explicit FileDescriptor(int fd) : m_fd(fd) {}
+    explicit FileDescriptor(int fd)
+        : m_fd(fd) {}
     FileDescriptor(const FileDescriptor&) = delete;
     FileDescriptor& operator=(const FileDescriptor&) = delete;
-    ~FileDescriptor()
-    {
+    ~FileDescriptor() {
         if (m_fd >= 0)
             ::close(m_fd);
     }
@@ -31,14 +31,12 @@ private:
     int m_fd;
 };
 
-void putLe32(std::vector<std::uint8_t>& out, std::uint32_t v)
-{
+void putLe32(std::vector<std::uint8_t>& out, std::uint32_t v) {
     for (int i = 0; i < 4; ++i)
         out.push_back(static_cast<std::uint8_t>((v >> (8 * i)) & 0xFF));
 }
 
-bool readAt(int fd, std::uint8_t* data, std::size_t size, off_t offset)
-{
+bool readAt(int fd, std::uint8_t* data, std::size_t size, off_t offset) {
     std::size_t done = 0;
     while (done < size) {
         const ssize_t n = ::pread(fd, data + done, size - done, offset + static_cast<off_t>(done));
@@ -51,15 +49,13 @@ bool readAt(int fd, std::uint8_t* data, std::size_t size, off_t offset)
     return true;
 }
 
-std::vector<std::uint8_t> imageOrDefault(const std::vector<std::uint8_t>& image)
-{
+std::vector<std::uint8_t> imageOrDefault(const std::vector<std::uint8_t>& image) {
     return image.empty() ? pcmFormatImage(44100, 2) : image;
 }
 
 // Reads a whole-number option value; text, signs and trailing junk are
 // refused.
-bool parseCount(const char* text, long& value)
-{
+bool parseCount(const char* text, long& value) {
     if (!text || !*text)
         return false;
     char* end = nullptr;
@@ -70,8 +66,7 @@ bool parseCount(const char* text, long& value)
 
 } // namespace
 
-bool hasReservedHeader(const std::string& path, const std::vector<std::uint8_t>& formatImage)
-{
+bool hasReservedHeader(const std::string& path, const std::vector<std::uint8_t>& formatImage) {
     const std::size_t reserved = imageOrDefault(formatImage).size() + 28;
     const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (fd.get() < 0)
@@ -83,8 +78,7 @@ bool hasReservedHeader(const std::string& path, const std::vector<std::uint8_t>&
 }
 
 Failure<WavRepairError> repairWav(const std::string& path, WavRepairOutcome& outcome,
-                                  const std::vector<std::uint8_t>& formatImage)
-{
+                                  const std::vector<std::uint8_t>& formatImage) {
     const std::vector<std::uint8_t> image = imageOrDefault(formatImage);
     WaveFormatFields fields;
     if (!parseFormatImage(image.data(), image.size(), fields))
@@ -126,7 +120,8 @@ Failure<WavRepairError> repairWav(const std::string& path, WavRepairOutcome& out
 
     std::size_t done = 0;
     while (done < header.size()) {
-        const ssize_t n = ::pwrite(fd.get(), header.data() + done, header.size() - done, static_cast<off_t>(done));
+        const ssize_t n =
+            ::pwrite(fd.get(), header.data() + done, header.size() - done, static_cast<off_t>(done));
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0)
@@ -139,8 +134,7 @@ Failure<WavRepairError> repairWav(const std::string& path, WavRepairOutcome& out
     return {};
 }
 
-int repairWavCommand(int argc, char** argv)
-{
+int repairWavCommand(int argc, char** argv) {
     const char* file = nullptr;
     long rate = 44100;
     long channels = 2;
@@ -169,8 +163,8 @@ int repairWavCommand(int argc, char** argv)
         return 2;
     }
     WavRepairOutcome outcome{};
-    const Failure<WavRepairError> f =
-        repairWav(file, outcome, pcmFormatImage(static_cast<std::int32_t>(rate), static_cast<std::int32_t>(channels)));
+    const Failure<WavRepairError> f = repairWav(
+        file, outcome, pcmFormatImage(static_cast<std::int32_t>(rate), static_cast<std::int32_t>(channels)));
     if (f) {
         std::fprintf(stderr, "Cannot repair %s: %s\n", file, f.detail.c_str());
         return 1;
@@ -178,7 +172,8 @@ int repairWavCommand(int argc, char** argv)
     if (outcome == WavRepairOutcome::AlreadyComplete)
         std::printf("%s already has a WAV header; nothing changed.\n", file);
     else
-        std::printf("%s repaired: header written for %ld Hz, %ld channel(s), 16-bit PCM.\n", file, rate, channels);
+        std::printf("%s repaired: header written for %ld Hz, %ld channel(s), 16-bit PCM.\n", file, rate,
+                    channels);
     return 0;
 }
 

@@ -16,7 +16,7 @@ namespace mirabend {
 
 enum class WavRepairError {
     None = 0,
-    OpenFailed,  // the file cannot be opened for reading and writing
+    OpenFailed, // the file cannot be opened for reading and writing
     ReadFailed,
     TooShort,    // shorter than the reserved header
     NotReserved, // starts neither with a zero header nor with "RIFF"

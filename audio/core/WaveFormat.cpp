@@ -6,29 +6,27 @@ namespace mirabend {
 
 namespace {
 
-void putLe16(std::vector<std::uint8_t>& out, std::uint32_t v)
-{
+void putLe16(std::vector<std::uint8_t>& out, std::uint32_t v) {
     out.push_back(static_cast<std::uint8_t>(v & 0xFF));
     out.push_back(static_cast<std::uint8_t>((v >> 8) & 0xFF));
 }
 
-void putLe32(std::vector<std::uint8_t>& out, std::uint32_t v)
-{
+void putLe32(std::vector<std::uint8_t>& out, std::uint32_t v) {
     putLe16(out, v & 0xFFFF);
     putLe16(out, v >> 16);
 }
 
-std::uint16_t le16(const std::uint8_t* p) { return static_cast<std::uint16_t>(p[0] | (p[1] << 8)); }
+std::uint16_t le16(const std::uint8_t* p) {
+    return static_cast<std::uint16_t>(p[0] | (p[1] << 8));
+}
 
-std::uint32_t le32(const std::uint8_t* p)
-{
+std::uint32_t le32(const std::uint8_t* p) {
     return static_cast<std::uint32_t>(le16(p)) | (static_cast<std::uint32_t>(le16(p + 2)) << 16);
 }
 
 } // namespace
 
-std::vector<std::uint8_t> formatImage(const WaveFormatFields& f)
-{
+std::vector<std::uint8_t> formatImage(const WaveFormatFields& f) {
     std::vector<std::uint8_t> out;
     out.reserve(kWaveFormatExSize + f.extra.size());
     putLe16(out, f.formatTag);
@@ -42,8 +40,7 @@ std::vector<std::uint8_t> formatImage(const WaveFormatFields& f)
     return out;
 }
 
-std::vector<std::uint8_t> pcmFormatImage(std::int32_t sampleRate, std::int32_t channels, std::int32_t bits)
-{
+std::vector<std::uint8_t> pcmFormatImage(std::int32_t sampleRate, std::int32_t channels, std::int32_t bits) {
     WaveFormatFields f;
     f.formatTag = wave_tag::kPcm;
     f.channels = static_cast<std::uint16_t>(channels);
@@ -54,8 +51,7 @@ std::vector<std::uint8_t> pcmFormatImage(std::int32_t sampleRate, std::int32_t c
     return formatImage(f);
 }
 
-bool parseFormatImage(const std::uint8_t* image, std::size_t size, WaveFormatFields& out)
-{
+bool parseFormatImage(const std::uint8_t* image, std::size_t size, WaveFormatFields& out) {
     if (!image || size < 16)
         return false;
     WaveFormatFields f;
@@ -75,8 +71,7 @@ bool parseFormatImage(const std::uint8_t* image, std::size_t size, WaveFormatFie
     return true;
 }
 
-std::string kiloHertzText(std::uint32_t sampleRate)
-{
+std::string kiloHertzText(std::uint32_t sampleRate) {
     char text[32];
     std::snprintf(text, sizeof text, "%.3f", sampleRate / 1000.0);
     std::string s(text);

@@ -33,8 +33,8 @@ struct WaveFormatFields {
     std::uint32_t avgBytesPerSec = 0;
     std::uint16_t blockAlign = 0;
     std::uint16_t bitsPerSample = 0;
-    std::uint16_t extraSize = 0;       // cbSize
-    std::vector<std::uint8_t> extra;   // the cbSize bytes after the 18
+    std::uint16_t extraSize = 0;     // cbSize
+    std::vector<std::uint8_t> extra; // the cbSize bytes after the 18
 };
 
 // Builds the 18-byte image of 16-bit PCM (block align 2 x channels, byte rate

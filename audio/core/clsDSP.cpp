@@ -11,8 +11,7 @@ namespace {
 constexpr float kPi = 3.1415927f;
 constexpr std::int32_t kMaxBands = 10;
 
-inline std::int16_t clipRound(float v)
-{
+inline std::int16_t clipRound(float v) {
     if (v > 32767.0f)
         return 32767;
     if (v > -32768.0f)
@@ -22,77 +21,65 @@ inline std::int16_t clipRound(float v)
 
 } // namespace
 
-clsDSP::clsDSP()
-{
+clsDSP::clsDSP() {
     EqualizerBands(7);
 }
 
-void clsDSP::samplerate(std::int32_t hz)
-{
+void clsDSP::samplerate(std::int32_t hz) {
     if (hz < 1 || hz > 96000)
         throw AudioError(audio_error::kInvalidProperty, "invalid samplerate");
     m_samplerate = hz;
     prepareAll();
 }
 
-void clsDSP::Channels(std::int16_t channels)
-{
+void clsDSP::Channels(std::int16_t channels) {
     if (channels < 1 || channels > 2)
         throw AudioError(audio_error::kInvalidProperty, "invalid channels");
     m_channels = channels;
     prepareAll();
 }
 
-void clsDSP::EchoLength(std::int32_t milliseconds)
-{
+void clsDSP::EchoLength(std::int32_t milliseconds) {
     m_echoLength = milliseconds;
     prepareEcho();
 }
 
-void clsDSP::EchoAmp(float factor)
-{
+void clsDSP::EchoAmp(float factor) {
     m_echoAmp = factor > 0.9f ? 0.9f : factor;
     prepareEcho();
 }
 
-void clsDSP::PhaseShiftDry(float value)
-{
+void clsDSP::PhaseShiftDry(float value) {
     m_dry = value;
     preparePhaser();
 }
 
-void clsDSP::PhaseShiftWet(float value)
-{
+void clsDSP::PhaseShiftWet(float value) {
     m_wet = value;
     preparePhaser();
 }
 
-void clsDSP::PhaseShiftFeedback(float value)
-{
+void clsDSP::PhaseShiftFeedback(float value) {
     m_feedback = value;
     preparePhaser();
 }
 
-void clsDSP::PhaseShiftSweepRate(float value)
-{
+void clsDSP::PhaseShiftSweepRate(float value) {
     m_sweepRate = value;
     preparePhaser();
 }
 
-void clsDSP::PhaseShiftSweepRange(float octaves)
-{
+void clsDSP::PhaseShiftSweepRange(float octaves) {
     m_sweepRange = octaves;
     preparePhaser();
 }
 
-void clsDSP::PhaseShiftFrequency(float hz)
-{
+void clsDSP::PhaseShiftFrequency(float hz) {
     m_sweepFrequency = hz;
     preparePhaser();
 }
 
-void clsDSP::EqualizerBands(std::int32_t count)
-{
+void clsDSP::EqualizerBands(std::int32_t count) {
     if (count < 1 || count > kMaxBands)
         throw AudioError(audio_error::kInvalidProperty, "Out Of Bounds!");
     m_bands.assign(static_cast<std::size_t>(count), IIRFilter());
@@ -100,33 +87,28 @@ void clsDSP::EqualizerBands(std::int32_t count)
     designBands();
 }
 
-void clsDSP::checkBand(std::int32_t band) const
-{
+void clsDSP::checkBand(std::int32_t band) const {
     if (band < 0 || band >= EqualizerBands())
         throw AudioError(audio_error::kSubscriptOutOfRange, "Subscript out of range");
 }
 
-float clsDSP::EqualizerBandGainDB(std::int32_t band) const
-{
+float clsDSP::EqualizerBandGainDB(std::int32_t band) const {
     checkBand(band);
     return m_gains[static_cast<std::size_t>(band)];
 }
 
-void clsDSP::EqualizerBandGainDB(std::int32_t band, float db)
-{
+void clsDSP::EqualizerBandGainDB(std::int32_t band, float db) {
     checkBand(band);
     m_gains[static_cast<std::size_t>(band)] = db;
     designBands();
 }
 
-std::int32_t clsDSP::EqualizerBandFrequency(std::int32_t band) const
-{
+std::int32_t clsDSP::EqualizerBandFrequency(std::int32_t band) const {
     checkBand(band);
     return static_cast<std::int32_t>(std::lrintf(m_bands[static_cast<std::size_t>(band)].Frequency()));
 }
 
-void clsDSP::prepareAll()
-{
+void clsDSP::prepareAll() {
     if (m_samplerate == 0 || m_channels == 0)
         return;
     prepareEcho();
@@ -134,8 +116,7 @@ void clsDSP::prepareAll()
     designBands();
 }
 
-void clsDSP::prepareEcho()
-{
+void clsDSP::prepareEcho() {
     if (m_samplerate == 0)
         return;
     const double length = std::nearbyint(m_samplerate / 1000.0 * m_echoLength);
@@ -144,8 +125,7 @@ void clsDSP::prepareEcho()
     m_echoFactor = m_echoAmp;
 }
 
-void clsDSP::preparePhaser()
-{
+void clsDSP::preparePhaser() {
     if (m_samplerate == 0)
         return;
     const float rate = static_cast<float>(m_samplerate);
@@ -157,8 +137,7 @@ void clsDSP::preparePhaser()
     m_pos = m_minPos;
 }
 
-void clsDSP::designBands()
-{
+void clsDSP::designBands() {
     if (m_samplerate == 0)
         return;
     const std::int32_t n = EqualizerBands();
@@ -169,15 +148,13 @@ void clsDSP::designBands()
         // the logarithmic range.
         const double position = n > 1 ? static_cast<double>(i) / (n - 1) : 0.5;
         const double frequency = 80.0 * std::pow(fmax / 80.0, position);
-        m_bands[static_cast<std::size_t>(i)].CreateBiquadIIR(IIRFilter::Peaking,
-                                                             m_gains[static_cast<std::size_t>(i)],
-                                                             static_cast<float>(frequency), m_samplerate,
-                                                             bandwidth);
+        m_bands[static_cast<std::size_t>(i)].CreateBiquadIIR(
+            IIRFilter::Peaking, m_gains[static_cast<std::size_t>(i)], static_cast<float>(frequency),
+            m_samplerate, bandwidth);
     }
 }
 
-void clsDSP::ProcessSamples(std::int16_t* samples, std::size_t count)
-{
+void clsDSP::ProcessSamples(std::int16_t* samples, std::size_t count) {
     if (m_samplerate == 0 || m_channels == 0 || !samples)
         return;
     if (m_effects & Amplify)
@@ -192,15 +169,13 @@ void clsDSP::ProcessSamples(std::int16_t* samples, std::size_t count)
     }
 }
 
-void clsDSP::amplify(std::int16_t* samples, std::size_t count) const
-{
+void clsDSP::amplify(std::int16_t* samples, std::size_t count) const {
     const float factor = std::pow(10.0f, m_amplifyDB / 20.0f);
     for (std::size_t i = 0; i < count; ++i)
         samples[i] = clipRound(static_cast<float>(samples[i]) * factor);
 }
 
-void clsDSP::echo(std::int16_t* samples, std::size_t count)
-{
+void clsDSP::echo(std::int16_t* samples, std::size_t count) {
     if (m_delay.empty())
         return;
     const std::size_t length = m_delay.size();
@@ -217,8 +192,7 @@ void clsDSP::echo(std::int16_t* samples, std::size_t count)
     }
 }
 
-void clsDSP::phaser(std::int16_t* samples, std::size_t count)
-{
+void clsDSP::phaser(std::int16_t* samples, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         const float x = static_cast<float>(samples[i]) / 32767.0f;
         const float c = (1.0f - m_pos) / (1.0f + m_pos);

@@ -29,9 +29,9 @@ public:
     clsDSP();
 
     std::int32_t samplerate() const { return m_samplerate; }
-    void samplerate(std::int32_t hz);      // 1..96000, "invalid samplerate"
+    void samplerate(std::int32_t hz); // 1..96000, "invalid samplerate"
     std::int16_t Channels() const { return m_channels; }
-    void Channels(std::int16_t channels);  // 1 or 2, "invalid channels"
+    void Channels(std::int16_t channels); // 1 or 2, "invalid channels"
 
     std::int32_t EffectsUsed() const { return m_effects; }
     void EffectsUsed(std::int32_t bits) { m_effects = bits; }
@@ -65,7 +65,9 @@ public:
     std::int32_t EqualizerBandFrequency(std::int32_t band) const;
 
     void ProcessSamples(std::int16_t* samples, std::size_t count);
-    void ProcessSamples(std::vector<std::int16_t>& samples) { ProcessSamples(samples.data(), samples.size()); }
+    void ProcessSamples(std::vector<std::int16_t>& samples) {
+        ProcessSamples(samples.data(), samples.size());
+    }
 
 private:
     void prepareAll();

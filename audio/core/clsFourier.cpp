@@ -7,19 +7,15 @@
 
 namespace mirabend {
 
-void clsFourier::throwIndexError()
-{
+void clsFourier::throwIndexError() {
     throw AudioError(audio_error::kIndexOutOfRange, "Index out of range or number of samples unknown");
 }
 
 clsFourier::clsFourier()
     : m_pi(4.0 * std::atan(1.0))
-    , m_twoPi(2.0 * m_pi)
-{
-}
+    , m_twoPi(2.0 * m_pi) {}
 
-void clsFourier::NumberOfSamples(std::int32_t n)
-{
+void clsFourier::NumberOfSamples(std::int32_t n) {
     if (n < 2 || (n & (n - 1)) != 0)
         throw AudioError(audio_error::kInvalidSamples,
                          "Number of samples must be a positive value of the form 2 ^ n");
@@ -62,8 +58,7 @@ void clsFourier::NumberOfSamples(std::int32_t n)
 }
 
 // Shifts the lowest m_bits bits out to the right and into the result.
-std::uint32_t clsFourier::bitReverse(std::uint32_t value) const
-{
+std::uint32_t clsFourier::bitReverse(std::uint32_t value) const {
     std::uint32_t result = 0;
     for (std::int32_t b = 0; b < m_bits; ++b) {
         result = (result << 1) | (value & 1u);
@@ -72,23 +67,20 @@ std::uint32_t clsFourier::bitReverse(std::uint32_t value) const
     return result;
 }
 
-void clsFourier::ImagIn(std::int32_t index, double value)
-{
+void clsFourier::ImagIn(std::int32_t index, double value) {
     const auto i = static_cast<std::size_t>(checkedPlace(index));
     m_im[m_reversed[i]] = value;
     m_needTransform = true;
 }
 
-std::complex<double> clsFourier::ComplexOut(std::int32_t index)
-{
+std::complex<double> clsFourier::ComplexOut(std::int32_t index) {
     const auto i = static_cast<std::size_t>(checkedPlace(index));
     if (m_needTransform)
         transform();
     return {m_re[i], m_im[i]};
 }
 
-double clsFourier::MagnitudeOut(std::int32_t index)
-{
+double clsFourier::MagnitudeOut(std::int32_t index) {
     const std::complex<double> c = ComplexOut(index);
     return std::sqrt(c.real() * c.real() + c.imag() * c.imag());
 }
@@ -99,8 +91,7 @@ double clsFourier::MagnitudeOut(std::int32_t index)
 // butterflies in the same order per element, so the results do not change),
 // which halves the memory traffic. Stages 1 and 2 need no multiplications:
 // their factors are 1 and -i.
-void clsFourier::transform()
-{
+void clsFourier::transform() {
     const auto start = std::chrono::steady_clock::now();
     const std::size_t n = static_cast<std::size_t>(m_n);
     double* __restrict re = m_re.data();

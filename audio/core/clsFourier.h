@@ -29,8 +29,7 @@ public:
 
     // Stores a real input (weighted or halved), clearing its imaginary part.
     // Inline: the spectrum display calls it 1024 times per block.
-    void RealIn(std::int32_t index, double value)
-    {
+    void RealIn(std::int32_t index, double value) {
         const auto i = static_cast<std::size_t>(checkedPlace(index));
         const std::uint32_t place = m_reversed[i];
         m_re[place] = m_withWindow ? value * m_window[i] : value * 0.5;
@@ -51,8 +50,7 @@ public:
 
 private:
     std::uint32_t bitReverse(std::uint32_t value) const;
-    std::int32_t checkedPlace(std::int32_t index) const
-    {
+    std::int32_t checkedPlace(std::int32_t index) const {
         if (m_samplesUnknown || index < 1 || index > m_n)
             throwIndexError();
         return index - 1;

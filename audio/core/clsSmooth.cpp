@@ -2,16 +2,14 @@
 
 namespace mirabend {
 
-void clsSmooth::SmoothNew(std::int32_t size)
-{
+void clsSmooth::SmoothNew(std::int32_t size) {
     m_ring.assign(size > 0 ? static_cast<std::size_t>(size) : 0, 0.0f);
     m_pos = 0;
     m_count = 0;
     m_largest = 0;
 }
 
-void clsSmooth::SmoothAdd(float value)
-{
+void clsSmooth::SmoothAdd(float value) {
     if (m_ring.empty())
         return;
     m_ring[m_pos] = value;
@@ -21,8 +19,7 @@ void clsSmooth::SmoothAdd(float value)
         ++m_count;
 }
 
-float clsSmooth::SmoothGetMax()
-{
+float clsSmooth::SmoothGetMax() {
     if (m_count == 0)
         return 0.0f;
     float sum = 0;

@@ -10,13 +10,12 @@
 #include "audio/core/clsFourier.h"
 #include "audio/core/clsSmooth.h"
 
-#include <fftw3.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <fftw3.h>
 #include <memory>
 #include <string>
 #include <unistd.h>
@@ -26,20 +25,21 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-double seconds(Clock::time_point a, Clock::time_point b) { return std::chrono::duration<double>(b - a).count(); }
+double seconds(Clock::time_point a, Clock::time_point b) {
+    return std::chrono::duration<double>(b - a).count();
+}
 
-double median(std::vector<double> v)
-{
+double median(std::vector<double> v) {
     std::sort(v.begin(), v.end());
     return v[v.size() / 2];
 }
 
-std::vector<std::int16_t> testBlock()
-{
+std::vector<std::int16_t> testBlock() {
     std::vector<std::int16_t> block(5120);
     for (std::size_t i = 0; i < block.size(); i += 2) {
         const double t = static_cast<double>(i / 2) / 44100.0;
-        block[i] = static_cast<std::int16_t>(9000 * std::sin(2 * M_PI * 440 * t) + 2000 * std::sin(2 * M_PI * 5000 * t));
+        block[i] = static_cast<std::int16_t>(9000 * std::sin(2 * M_PI * 440 * t) +
+                                             2000 * std::sin(2 * M_PI * 5000 * t));
         block[i + 1] = static_cast<std::int16_t>(9000 * std::sin(2 * M_PI * 660 * t));
     }
     return block;
@@ -55,8 +55,7 @@ struct Chain {
     std::vector<double> magnitudes = std::vector<double>(513);
     double sink = 0;
 
-    explicit Chain(const std::string& path)
-    {
+    explicit Chain(const std::string& path) {
         dsp.samplerate(44100);
         dsp.Channels(2);
         dsp.EffectsUsed(mirabend::clsDSP::Echo | mirabend::clsDSP::PhaseShifter | mirabend::clsDSP::Amplify |
@@ -74,8 +73,7 @@ struct Chain {
         }
     }
 
-    void run(const std::vector<std::int16_t>& captured)
-    {
+    void run(const std::vector<std::int16_t>& captured) {
         work = captured;
         dsp.ProcessSamples(work);
         for (int i = 0; i < 1024; ++i)
@@ -94,8 +92,7 @@ struct Chain {
     }
 };
 
-void benchChain()
-{
+void benchChain() {
     char dir[] = "/tmp/mirabend-bench-XXXXXX";
     if (!mkdtemp(dir)) {
         std::perror("mkdtemp");
@@ -121,8 +118,9 @@ void benchChain()
     std::remove(path.c_str());
     rmdir(dir);
     const double t = median(perBlock);
-    std::printf("per-buffer chain: %.1f us per 10240-byte block, block plays %.1f ms: ratio %.2f %% (goal <= 1 %%)\n",
-                t * 1e6, blockSeconds * 1e3, 100.0 * t / blockSeconds);
+    std::printf(
+        "per-buffer chain: %.1f us per 10240-byte block, block plays %.1f ms: ratio %.2f %% (goal <= 1 %%)\n",
+        t * 1e6, blockSeconds * 1e3, 100.0 * t / blockSeconds);
 }
 
 struct FftwFree {
@@ -132,16 +130,18 @@ struct PlanFree {
     void operator()(fftw_plan_s* p) const { fftw_destroy_plan(p); }
 };
 
-void benchTransform()
-{
+void benchTransform() {
     constexpr int n = 1024;
     std::vector<double> input(n);
     for (int i = 0; i < n; ++i)
         input[static_cast<std::size_t>(i)] = 10000 * std::sin(0.1 * i) + 3000 * std::cos(0.37 * i);
 
-    std::unique_ptr<fftw_complex, FftwFree> in(static_cast<fftw_complex*>(fftw_malloc(sizeof(fftw_complex) * n)));
-    std::unique_ptr<fftw_complex, FftwFree> out(static_cast<fftw_complex*>(fftw_malloc(sizeof(fftw_complex) * n)));
-    std::unique_ptr<fftw_plan_s, PlanFree> plan(fftw_plan_dft_1d(n, in.get(), out.get(), FFTW_FORWARD, FFTW_MEASURE));
+    std::unique_ptr<fftw_complex, FftwFree> in(
+        static_cast<fftw_complex*>(fftw_malloc(sizeof(fftw_complex) * n)));
+    std::unique_ptr<fftw_complex, FftwFree> out(
+        static_cast<fftw_complex*>(fftw_malloc(sizeof(fftw_complex) * n)));
+    std::unique_ptr<fftw_plan_s, PlanFree> plan(
+        fftw_plan_dft_1d(n, in.get(), out.get(), FFTW_FORWARD, FFTW_MEASURE));
 
     mirabend::clsFourier ours;
     ours.NumberOfSamples(n);
@@ -180,8 +180,7 @@ void benchTransform()
 
 } // namespace
 
-int main()
-{
+int main() {
     benchChain();
     benchTransform();
     return 0;

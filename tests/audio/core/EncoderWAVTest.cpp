@@ -1,27 +1,24 @@
-#include "TestFiles.h"
-
-#include "audio/core/AudioError.h"
 #include "audio/core/EncoderWAV.h"
+
+#include "TestFiles.h"
+#include "audio/core/AudioError.h"
 #include "audio/core/WaveFormat.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 
 namespace mirabend::test {
 namespace {
 
 using namespace encoder_result;
 
-std::vector<std::uint8_t> bytesOf(const std::vector<std::int16_t>& samples)
-{
+std::vector<std::uint8_t> bytesOf(const std::vector<std::int16_t>& samples) {
     std::vector<std::uint8_t> out(samples.size() * 2);
     std::memcpy(out.data(), samples.data(), out.size());
     return out;
 }
 
-TEST(EncoderWAV, PcmFileHasTheDesignedLayout)
-{
+TEST(EncoderWAV, PcmFileHasTheDesignedLayout) {
     TempDir dir;
     const std::string path = dir.file("take.wav");
     const std::vector<std::uint8_t> audio = bytesOf(sine(440.0, 22050, 1, 3001));
@@ -33,7 +30,9 @@ TEST(EncoderWAV, PcmFileHasTheDesignedLayout)
         // Two blocks, the second a different size.
         ASSERT_EQ(enc.Encoder_Encode(audio.data(), 4000, used), kOk);
         EXPECT_EQ(used, 4000);
-        ASSERT_EQ(enc.Encoder_Encode(audio.data() + 4000, static_cast<std::int32_t>(audio.size() - 4000), used), kOk);
+        ASSERT_EQ(
+            enc.Encoder_Encode(audio.data() + 4000, static_cast<std::int32_t>(audio.size() - 4000), used),
+            kOk);
         ASSERT_EQ(enc.Encoder_EncoderClose(), kOk);
     }
     const std::vector<std::uint8_t> file = readFile(path);
@@ -43,13 +42,13 @@ TEST(EncoderWAV, PcmFileHasTheDesignedLayout)
     EXPECT_EQ(le32(file, 4), n + 38);
     EXPECT_EQ(std::memcmp(file.data() + 8, "WAVEfmt ", 8), 0);
     EXPECT_EQ(le32(file, 16), 18u);
-    EXPECT_EQ(le16(file, 20), 1);     // PCM
-    EXPECT_EQ(le16(file, 22), 1);     // channels
+    EXPECT_EQ(le16(file, 20), 1); // PCM
+    EXPECT_EQ(le16(file, 22), 1); // channels
     EXPECT_EQ(le32(file, 24), 22050u);
     EXPECT_EQ(le32(file, 28), 44100u); // bytes per second
-    EXPECT_EQ(le16(file, 32), 2);     // block align
+    EXPECT_EQ(le16(file, 32), 2);      // block align
     EXPECT_EQ(le16(file, 34), 16);
-    EXPECT_EQ(le16(file, 36), 0);     // cbSize
+    EXPECT_EQ(le16(file, 36), 0); // cbSize
     EXPECT_EQ(std::memcmp(file.data() + 38, "data", 4), 0);
     EXPECT_EQ(le32(file, 42), n);
     EXPECT_TRUE(std::equal(audio.begin(), audio.end(), file.begin() + 46));
@@ -60,8 +59,7 @@ TEST(EncoderWAV, PcmFileHasTheDesignedLayout)
     EXPECT_EQ(p.decodedSamples, 3001);
 }
 
-TEST(EncoderWAV, WithoutHeaderTheFileIsExactlyTheAudio)
-{
+TEST(EncoderWAV, WithoutHeaderTheFileIsExactlyTheAudio) {
     TempDir dir;
     const std::string path = dir.file("raw.pcm");
     const std::vector<std::uint8_t> audio = bytesOf(sine(1000.0, 44100, 2, 500));
@@ -74,8 +72,7 @@ TEST(EncoderWAV, WithoutHeaderTheFileIsExactlyTheAudio)
     EXPECT_EQ(readFile(path), audio);
 }
 
-TEST(EncoderWAV, RefusesOversizedBlocksPartialFramesAndCallsWithoutFile)
-{
+TEST(EncoderWAV, RefusesOversizedBlocksPartialFramesAndCallsWithoutFile) {
     TempDir dir;
     const std::string path = dir.file("a.wav");
     EncoderWAV enc;
@@ -100,8 +97,7 @@ TEST(EncoderWAV, RefusesOversizedBlocksPartialFramesAndCallsWithoutFile)
     EXPECT_EQ(readFile(path).size(), 46u + 176400 + 10240);
 }
 
-TEST(EncoderWAV, UnreadableInputConvertsThePreviousBlockAgain)
-{
+TEST(EncoderWAV, UnreadableInputConvertsThePreviousBlockAgain) {
     TempDir dir;
     const std::string path = dir.file("again.wav");
     EncoderWAV enc;
@@ -116,8 +112,7 @@ TEST(EncoderWAV, UnreadableInputConvertsThePreviousBlockAgain)
     EXPECT_EQ(readFile(path), (std::vector<std::uint8_t>{1, 2, 3, 4, 1, 2, 3, 4}));
 }
 
-TEST(EncoderWAV, InitRejectsBadParametersAndUncreatableFiles)
-{
+TEST(EncoderWAV, InitRejectsBadParametersAndUncreatableFiles) {
     TempDir dir;
     EncoderWAV enc;
     EXPECT_EQ(enc.Encoder_EncoderInit(0, 2, dir.file("x.wav")), kStreamFailed);
@@ -127,14 +122,14 @@ TEST(EncoderWAV, InitRejectsBadParametersAndUncreatableFiles)
     EXPECT_FALSE(enc.isOpen());
 
     // A format that no converter makes fails with 7 and leaves no file.
-    const std::vector<std::uint8_t> bogus = {0x34, 0x12, 1, 0, 0x44, 0xAC, 0, 0, 0, 0, 0, 0, 1, 0, 8, 0, 0, 0};
+    const std::vector<std::uint8_t> bogus = {0x34, 0x12, 1, 0, 0x44, 0xAC, 0, 0, 0,
+                                             0,    0,    0, 1, 0,    8,    0, 0, 0};
     enc.SetFormat(bogus.data(), bogus.size(), "Bogus", "none");
     EXPECT_EQ(enc.Encoder_EncoderInit(44100, 1, dir.file("y.wav")), kStreamFailed);
     EXPECT_FALSE(enc.isOpen());
 }
 
-TEST(EncoderWAV, WriteHeaderIsLockedWhileRecording)
-{
+TEST(EncoderWAV, WriteHeaderIsLockedWhileRecording) {
     TempDir dir;
     EncoderWAV enc;
     ASSERT_EQ(enc.Encoder_EncoderInit(44100, 2, dir.file("lock.wav")), kOk);
@@ -151,8 +146,7 @@ TEST(EncoderWAV, WriteHeaderIsLockedWhileRecording)
     EXPECT_FALSE(enc.WriteHeader());
 }
 
-TEST(EncoderWAV, FormatNamesAndDescriptions)
-{
+TEST(EncoderWAV, FormatNamesAndDescriptions) {
     EncoderWAV enc;
     EXPECT_EQ(enc.FormatTag(), "PCM");
     EXPECT_EQ(enc.FormatID(), "44.1 kHz 16 Bit Stereo");
@@ -178,8 +172,7 @@ TEST(EncoderWAV, FormatNamesAndDescriptions)
     EXPECT_EQ(enc.formatImage(), large);
 }
 
-TEST(EncoderWAV, UnclosedRecordingKeepsTheZeroHeaderAndReleaseCompletesIt)
-{
+TEST(EncoderWAV, UnclosedRecordingKeepsTheZeroHeaderAndReleaseCompletesIt) {
     TempDir dir;
     const std::string path = dir.file("open.wav");
     const std::vector<std::uint8_t> audio = bytesOf(sine(440.0, 44100, 2, 1000));
@@ -197,8 +190,7 @@ TEST(EncoderWAV, UnclosedRecordingKeepsTheZeroHeaderAndReleaseCompletesIt)
     EXPECT_EQ(le32(after, 42), audio.size());
 }
 
-TEST(EncoderWAV, ReopeningReplacesTheFileAndClosesThePrevious)
-{
+TEST(EncoderWAV, ReopeningReplacesTheFileAndClosesThePrevious) {
     TempDir dir;
     EncoderWAV enc;
     const std::vector<std::uint8_t> audio(4000, 9);
@@ -214,8 +206,7 @@ TEST(EncoderWAV, ReopeningReplacesTheFileAndClosesThePrevious)
     EXPECT_EQ(readFile(dir.file("one.wav")).size(), 46u);
 }
 
-TEST(EncoderWAV, FullDeviceGivesWriteErrorNotACrash)
-{
+TEST(EncoderWAV, FullDeviceGivesWriteErrorNotACrash) {
     EncoderWAV enc;
     // The reserved header cannot be written: the open fails with 10.
     EXPECT_EQ(enc.Encoder_EncoderInit(44100, 2, "/dev/full"), kWriteFailed);

@@ -1,13 +1,11 @@
 // A recording that fills its disk: a small tmpfs is mounted for the test
 // (root only; skipped where mounting is not permitted).
 #include "TestFiles.h"
-
 #include "audio/core/EncoderWAV.h"
-
-#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <cstring>
+#include <gtest/gtest.h>
 #include <sys/mount.h>
 
 namespace mirabend::test {
@@ -15,13 +13,12 @@ namespace {
 
 class SmallDisk {
 public:
-    explicit SmallDisk(const std::string& where) : m_where(where)
-    {
+    explicit SmallDisk(const std::string& where)
+        : m_where(where) {
         m_mounted = ::mount("tmpfs", where.c_str(), "tmpfs", MS_NOSUID | MS_NODEV, "size=64k") == 0;
         m_error = m_mounted ? 0 : errno;
     }
-    ~SmallDisk()
-    {
+    ~SmallDisk() {
         if (m_mounted)
             ::umount2(m_where.c_str(), MNT_DETACH);
     }
@@ -36,8 +33,7 @@ private:
     int m_error = 0;
 };
 
-TEST(FullDisk, RecordingStopsAtTheFirstShortWriteAndLeavesAValidFile)
-{
+TEST(FullDisk, RecordingStopsAtTheFirstShortWriteAndLeavesAValidFile) {
     TempDir dir;
     SmallDisk disk(dir.path());
     if (!disk.mounted())

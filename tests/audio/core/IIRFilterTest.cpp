@@ -1,9 +1,8 @@
 #include "audio/core/IIRFilter.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
+#include <gtest/gtest.h>
 #include <vector>
 
 namespace mirabend::test {
@@ -11,25 +10,23 @@ namespace {
 
 constexpr int kRate = 44100;
 
-std::vector<std::int16_t> tone(double frequency, std::size_t count, double amplitude)
-{
+std::vector<std::int16_t> tone(double frequency, std::size_t count, double amplitude) {
     std::vector<std::int16_t> out(count);
     for (std::size_t i = 0; i < count; ++i)
-        out[i] = static_cast<std::int16_t>(std::lround(amplitude * std::sin(2 * M_PI * frequency * i / kRate)));
+        out[i] =
+            static_cast<std::int16_t>(std::lround(amplitude * std::sin(2 * M_PI * frequency * i / kRate)));
     return out;
 }
 
 // Peak amplitude over the second half, after the filter has settled.
-double settledPeak(const std::vector<std::int16_t>& s)
-{
+double settledPeak(const std::vector<std::int16_t>& s) {
     int peak = 0;
     for (std::size_t i = s.size() / 2; i < s.size(); ++i)
         peak = std::max(peak, std::abs(static_cast<int>(s[i])));
     return peak;
 }
 
-TEST(IIRFilter, PeakingGainAtCentreFrequencyIsTheDesignedGain)
-{
+TEST(IIRFilter, PeakingGainAtCentreFrequencyIsTheDesignedGain) {
     for (const float gain : {6.0f, -6.0f, 12.0f}) {
         IIRFilter f;
         f.CreateBiquadIIR(IIRFilter::Peaking, gain, 1000.0f, kRate, 1.0f);
@@ -40,8 +37,7 @@ TEST(IIRFilter, PeakingGainAtCentreFrequencyIsTheDesignedGain)
     }
 }
 
-TEST(IIRFilter, PassAndStopBandsOfTheOtherTypes)
-{
+TEST(IIRFilter, PassAndStopBandsOfTheOtherTypes) {
     struct Case {
         int type;
         double frequency; // of the test tone
@@ -49,7 +45,7 @@ TEST(IIRFilter, PassAndStopBandsOfTheOtherTypes)
     };
     // Corner / centre at 1 kHz.
     const Case cases[] = {
-        {IIRFilter::LowPass, 100.0, 0.98, 1.02},  {IIRFilter::LowPass, 15000.0, 0.0, 0.02},
+        {IIRFilter::LowPass, 100.0, 0.98, 1.02},    {IIRFilter::LowPass, 15000.0, 0.0, 0.02},
         {IIRFilter::HighPass, 15000.0, 0.98, 1.02}, {IIRFilter::HighPass, 50.0, 0.0, 0.01},
         {IIRFilter::BandPass, 1000.0, 0.99, 1.01},  {IIRFilter::BandPass, 15000.0, 0.0, 0.1},
     };
@@ -65,8 +61,7 @@ TEST(IIRFilter, PassAndStopBandsOfTheOtherTypes)
     }
 }
 
-TEST(IIRFilter, ClipsAtFullScaleAndWritesMinusOneAsMinus32768)
-{
+TEST(IIRFilter, ClipsAtFullScaleAndWritesMinusOneAsMinus32768) {
     IIRFilter f;
     f.CreateBiquadIIR(IIRFilter::Peaking, 12.0f, 1000.0f, kRate, 1.0f);
     std::vector<std::int16_t> s = tone(1000.0, 4410, 32767.0);
@@ -83,8 +78,7 @@ TEST(IIRFilter, ClipsAtFullScaleAndWritesMinusOneAsMinus32768)
     EXPECT_EQ(edge, (std::vector<std::int16_t>{-32768, 32767, 0, 1234}));
 }
 
-TEST(IIRFilter, DisabledOrEmptyInputIsLeftAlone)
-{
+TEST(IIRFilter, DisabledOrEmptyInputIsLeftAlone) {
     IIRFilter f;
     f.CreateBiquadIIR(IIRFilter::LowPass, 0.0f, 100.0f, kRate, 1.0f);
     f.Enabled(false);
@@ -103,8 +97,7 @@ TEST(IIRFilter, DisabledOrEmptyInputIsLeftAlone)
     EXPECT_TRUE(empty.empty());
 }
 
-TEST(IIRFilter, EightBitSamplesAreCentredOn128AndClipped)
-{
+TEST(IIRFilter, EightBitSamplesAreCentredOn128AndClipped) {
     IIRFilter f;
     f.CreateBiquadIIR(IIRFilter::LowPass, 0.0f, 2000.0f, 8000, 1.0f);
     std::vector<std::uint8_t> silence(100, 128);
@@ -121,8 +114,7 @@ TEST(IIRFilter, EightBitSamplesAreCentredOn128AndClipped)
     EXPECT_EQ(*std::min_element(s.begin(), s.end()), 0);
 }
 
-TEST(IIRFilter, MemoryCarriesAcrossBlocksAndIsClearedByRedesign)
-{
+TEST(IIRFilter, MemoryCarriesAcrossBlocksAndIsClearedByRedesign) {
     IIRFilter whole;
     IIRFilter split;
     whole.CreateBiquadIIR(IIRFilter::LowPass, 0.0f, 500.0f, kRate, 1.0f);
@@ -144,8 +136,7 @@ TEST(IIRFilter, MemoryCarriesAcrossBlocksAndIsClearedByRedesign)
     EXPECT_EQ(impulse[0], std::lrintf(k.b0 * (10000.0f / 32767.0f) * 32767.0f));
 }
 
-TEST(IIRFilter, SettersRedesignOnlyOnceARateIsKnown)
-{
+TEST(IIRFilter, SettersRedesignOnlyOnceARateIsKnown) {
     IIRFilter f;
     f.Frequency(1000.0f);
     f.Bandwidth(1.0f);

@@ -7,55 +7,50 @@ extern "C" {
 
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <filesystem>
 
 namespace mirabend::test {
 
-TempDir::TempDir()
-{
+TempDir::TempDir() {
     std::string pattern = (std::filesystem::temp_directory_path() / "mirabend-audio-XXXXXX").string();
     if (!mkdtemp(pattern.data()))
         throw std::runtime_error("mkdtemp failed");
     m_path = pattern;
 }
 
-TempDir::~TempDir()
-{
+TempDir::~TempDir() {
     std::error_code ec;
     std::filesystem::remove_all(m_path, ec);
 }
 
-std::vector<std::uint8_t> readFile(const std::string& path)
-{
+std::vector<std::uint8_t> readFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-void writeFile(const std::string& path, const std::vector<std::uint8_t>& data)
-{
+void writeFile(const std::string& path, const std::vector<std::uint8_t>& data) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out.write(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
 }
 
-std::uint32_t le32(const std::vector<std::uint8_t>& d, std::size_t at)
-{
+std::uint32_t le32(const std::vector<std::uint8_t>& d, std::size_t at) {
     return static_cast<std::uint32_t>(d.at(at)) | (static_cast<std::uint32_t>(d.at(at + 1)) << 8) |
-           (static_cast<std::uint32_t>(d.at(at + 2)) << 16) | (static_cast<std::uint32_t>(d.at(at + 3)) << 24);
+           (static_cast<std::uint32_t>(d.at(at + 2)) << 16) |
+           (static_cast<std::uint32_t>(d.at(at + 3)) << 24);
 }
 
-std::uint16_t le16(const std::vector<std::uint8_t>& d, std::size_t at)
-{
+std::uint16_t le16(const std::vector<std::uint8_t>& d, std::size_t at) {
     return static_cast<std::uint16_t>(d.at(at) | (d.at(at + 1) << 8));
 }
 
-std::vector<std::int16_t> sine(double frequency, int rate, int channels, std::size_t frames, double amplitude)
-{
+std::vector<std::int16_t> sine(double frequency, int rate, int channels, std::size_t frames,
+                               double amplitude) {
     std::vector<std::int16_t> out;
     out.reserve(frames * static_cast<std::size_t>(channels));
     for (std::size_t i = 0; i < frames; ++i) {
@@ -80,8 +75,7 @@ struct FrameFreer {
     void operator()(AVFrame* f) const { av_frame_free(&f); }
 };
 
-void collect(AVCodecContext* dec, AVFrame* frame, Probe& p)
-{
+void collect(AVCodecContext* dec, AVFrame* frame, Probe& p) {
     while (avcodec_receive_frame(dec, frame) == 0) {
         p.decodedSamples += frame->nb_samples;
         const int ch = frame->ch_layout.nb_channels;
@@ -116,8 +110,7 @@ void collect(AVCodecContext* dec, AVFrame* frame, Probe& p)
 }
 } // namespace
 
-Probe probeFile(const std::string& path)
-{
+Probe probeFile(const std::string& path) {
     Probe p;
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, path.c_str(), nullptr, nullptr) < 0) {

@@ -1,27 +1,24 @@
-#include "TestFiles.h"
-
-#include "audio/core/EncoderWAV.h"
 #include "audio/core/WavRepair.h"
+
+#include "TestFiles.h"
+#include "audio/core/EncoderWAV.h"
 #include "audio/core/WaveFormat.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
+#include <gtest/gtest.h>
 
 namespace mirabend::test {
 namespace {
 
 // What a recording left open looks like: the reserved zeros, then audio.
-std::vector<std::uint8_t> unfinished(std::size_t formatSize, std::size_t audioBytes, bool silent = false)
-{
+std::vector<std::uint8_t> unfinished(std::size_t formatSize, std::size_t audioBytes, bool silent = false) {
     std::vector<std::uint8_t> data(formatSize + 28, 0);
     for (std::size_t i = 0; i < audioBytes; ++i)
         data.push_back(silent ? 0 : static_cast<std::uint8_t>(i * 7 + 1));
     return data;
 }
 
-TEST(WavRepair, WritesTheHeaderOfAnUnfinishedPcmRecording)
-{
+TEST(WavRepair, WritesTheHeaderOfAnUnfinishedPcmRecording) {
     TempDir dir;
     const std::string path = dir.file("textAudio");
     const std::vector<std::uint8_t> original = unfinished(18, 8000);
@@ -54,8 +51,7 @@ TEST(WavRepair, WritesTheHeaderOfAnUnfinishedPcmRecording)
     EXPECT_EQ(readFile(path), file);
 }
 
-TEST(WavRepair, UsesTheGivenFormatForCompressedRecordings)
-{
+TEST(WavRepair, UsesTheGivenFormatForCompressedRecordings) {
     TempDir dir;
     const std::string path = dir.file("adpcm.wav");
     WaveFormatFields f;
@@ -82,8 +78,7 @@ TEST(WavRepair, UsesTheGivenFormatForCompressedRecordings)
     EXPECT_EQ(p.decodedSamples, 2 * 505);
 }
 
-TEST(WavRepair, RefusesWhatItCannotRepair)
-{
+TEST(WavRepair, RefusesWhatItCannotRepair) {
     TempDir dir;
     WavRepairOutcome outcome{};
     EXPECT_EQ(repairWav(dir.file("absent"), outcome).code, WavRepairError::OpenFailed);
@@ -103,8 +98,7 @@ TEST(WavRepair, RefusesWhatItCannotRepair)
     EXPECT_EQ(repairWav(dir.file("ok"), outcome, broken).code, WavRepairError::BadFormat);
 }
 
-TEST(WavRepair, RepairsWhatTheEncoderLeftOpen)
-{
+TEST(WavRepair, RepairsWhatTheEncoderLeftOpen) {
     TempDir dir;
     const std::string path = dir.file("crash.wav");
     const std::vector<std::int16_t> tone = sine(440.0, 44100, 2, 2000);
@@ -121,8 +115,7 @@ TEST(WavRepair, RepairsWhatTheEncoderLeftOpen)
     EXPECT_EQ(readFile(dir.file("copy.wav")), readFile(path)); // same as a clean close
 }
 
-int runCommand(std::vector<std::string> args)
-{
+int runCommand(std::vector<std::string> args) {
     std::vector<char*> argv;
     for (std::string& a : args)
         argv.push_back(a.data());
@@ -134,8 +127,7 @@ int runCommand(std::vector<std::string> args)
     return code;
 }
 
-TEST(WavRepair, CommandLine)
-{
+TEST(WavRepair, CommandLine) {
     TempDir dir;
     const std::string path = dir.file("cli.wav");
     writeFile(path, unfinished(18, 400));

@@ -1,33 +1,32 @@
-#include "audio/core/AudioError.h"
 #include "audio/core/clsFourier.h"
-#include "audio/core/clsSmooth.h"
 
-#include <gtest/gtest.h>
+#include "audio/core/AudioError.h"
+#include "audio/core/clsSmooth.h"
 
 #include <cmath>
 #include <complex>
 #include <functional>
+#include <gtest/gtest.h>
 #include <random>
 #include <vector>
 
 namespace mirabend::test {
 namespace {
 
-std::vector<std::complex<double>> naiveDft(const std::vector<std::complex<double>>& x)
-{
+std::vector<std::complex<double>> naiveDft(const std::vector<std::complex<double>>& x) {
     const std::size_t n = x.size();
     std::vector<std::complex<double>> out(n);
     for (std::size_t k = 0; k < n; ++k) {
         std::complex<double> sum;
         for (std::size_t t = 0; t < n; ++t)
-            sum += x[t] * std::polar(1.0, -2 * M_PI * static_cast<double>(k * t % n) / static_cast<double>(n));
+            sum +=
+                x[t] * std::polar(1.0, -2 * M_PI * static_cast<double>(k * t % n) / static_cast<double>(n));
         out[k] = sum;
     }
     return out;
 }
 
-int errorNumber(const std::function<void()>& action)
-{
+int errorNumber(const std::function<void()>& action) {
     try {
         action();
     } catch (const AudioError& e) {
@@ -36,8 +35,7 @@ int errorNumber(const std::function<void()>& action)
     return 0;
 }
 
-TEST(clsFourier, SizeMustBeAPowerOfTwo)
-{
+TEST(clsFourier, SizeMustBeAPowerOfTwo) {
     clsFourier f;
     for (const int bad : {1, 0, 3, 1000, -2})
         EXPECT_EQ(errorNumber([&] { f.NumberOfSamples(bad); }), 380) << bad;
@@ -51,8 +49,7 @@ TEST(clsFourier, SizeMustBeAPowerOfTwo)
     EXPECT_EQ(f.NumberOfSamples(), 1024);
 }
 
-TEST(clsFourier, IndicesOutsideOneToNOrBeforeTheSizeRaise381)
-{
+TEST(clsFourier, IndicesOutsideOneToNOrBeforeTheSizeRaise381) {
     clsFourier f;
     EXPECT_EQ(errorNumber([&] { f.RealIn(1, 1.0); }), 381);
     EXPECT_EQ(errorNumber([&] { f.RealOut(1); }), 381);
@@ -69,8 +66,7 @@ TEST(clsFourier, IndicesOutsideOneToNOrBeforeTheSizeRaise381)
     }
 }
 
-TEST(clsFourier, ConstantInputWithoutWindowIsHalvedIntoTheFirstBin)
-{
+TEST(clsFourier, ConstantInputWithoutWindowIsHalvedIntoTheFirstBin) {
     clsFourier f;
     f.NumberOfSamples(16);
     for (int i = 1; i <= 16; ++i)
@@ -81,8 +77,7 @@ TEST(clsFourier, ConstantInputWithoutWindowIsHalvedIntoTheFirstBin)
     EXPECT_GE(f.Timing(), 0.0);
 }
 
-TEST(clsFourier, MatchesANaiveDftWithAndWithoutWindow)
-{
+TEST(clsFourier, MatchesANaiveDftWithAndWithoutWindow) {
     std::mt19937 rng(7);
     std::uniform_real_distribution<double> dist(-32768.0, 32767.0);
     for (const int n : {2, 4, 8, 32, 64, 1024}) {
@@ -112,13 +107,12 @@ TEST(clsFourier, MatchesANaiveDftWithAndWithoutWindow)
     }
 }
 
-TEST(clsFourier, ComplexInputAndARepeatedTransform)
-{
+TEST(clsFourier, ComplexInputAndARepeatedTransform) {
     clsFourier f;
     f.NumberOfSamples(32);
     std::vector<std::complex<double>> x(32);
     for (int i = 0; i < 32; ++i) {
-        f.RealIn(i + 1, 2.0 * i);     // halved: i
+        f.RealIn(i + 1, 2.0 * i);      // halved: i
         f.ImagIn(i + 1, -3.0 * i + 1); // taken as it stands
         x[static_cast<std::size_t>(i)] = {static_cast<double>(i), -3.0 * i + 1};
     }
@@ -135,11 +129,10 @@ TEST(clsFourier, ComplexInputAndARepeatedTransform)
     EXPECT_NEAR(f.MagnitudeOut(2), 0.0, 1e-9);
 }
 
-TEST(clsSmooth, AveragesWhatItHoldsAndRemembersTheLargestFullAverage)
-{
+TEST(clsSmooth, AveragesWhatItHoldsAndRemembersTheLargestFullAverage) {
     clsSmooth s;
     EXPECT_FLOAT_EQ(s.SmoothGetMax(), 0.0f); // no ring yet
-    s.SmoothAdd(5.0f);                        // ignored without a ring
+    s.SmoothAdd(5.0f);                       // ignored without a ring
     s.SmoothNew(5);
     EXPECT_FLOAT_EQ(s.SmoothGetMax(), 0.0f);
     s.SmoothAdd(1.0f);
