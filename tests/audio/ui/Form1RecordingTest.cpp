@@ -6,12 +6,14 @@
 #include "audio/ui/Form1.h"
 #include "support/ScriptedPrompts.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QThread>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -44,6 +46,8 @@ protected:
         // the window's own handler, so it sees the same buffers.
         QObject::connect(&form->clsRecorder(), &QtWaveInRecorder::GotData, form.get(),
                          [this](std::vector<std::int16_t>&, int& bytes) {
+                             if (QThread::currentThread() != qApp->thread())
+                                 offThread = true;
                              if (form->clsRecorder().recorder().IsRecording())
                                  handed += bytes;
                          });
@@ -60,6 +64,7 @@ protected:
     std::unique_ptr<Form1> form;
     std::string file;
     std::int64_t handed = 0;
+    bool offThread = false; // a buffer was handed over outside the UI thread
 };
 
 TEST_F(Form1RecordingTest, StoppedRecordingOfNBytesIsAFileOfNPlus46)
@@ -71,7 +76,9 @@ TEST_F(Form1RecordingTest, StoppedRecordingOfNBytesIsAFileOfNPlus46)
     EXPECT_EQ(form->byteRate(), 176400);
     ASSERT_TRUE(waitFor([&] { return handed >= 176400; })); // a second of sound
     EXPECT_GE(form->elapsedMs(), 900);
+    QTest::qWait(2 * Form1::kDisplayIntervalMs);
     EXPECT_NE(form->lblSize->text(), "0 bytes");
+    EXPECT_TRUE(form->lblTime->text().startsWith("0:0")) << form->lblTime->text().toStdString();
 
     QTest::mouseClick(form->cmdDo, Qt::LeftButton);
     EXPECT_EQ(form->cmdDo->text(), "Start Test");
@@ -79,6 +86,7 @@ TEST_F(Form1RecordingTest, StoppedRecordingOfNBytesIsAFileOfNPlus46)
     EXPECT_EQ(form->elapsedMs(), 0);
     EXPECT_EQ(form->byteRate(), 0);
     EXPECT_TRUE(prompts.messages.isEmpty());
+    EXPECT_FALSE(offThread);
 
     const test::WavFile wav = readWav(file);
     ASSERT_EQ(static_cast<std::int64_t>(wav.bytes.size()), handed + 46);
