@@ -19,7 +19,7 @@ endif()
 # generated or third-party code).
 function(mirabend_target_defaults target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow=local
-    -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wnull-dereference)
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align)
   if(MIRABEND_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()

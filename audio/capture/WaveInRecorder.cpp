@@ -41,7 +41,7 @@ bool WaveInRecorder::StartRecord(int sampleRate, std::int16_t channels)
             m_dataReady();
     };
     m_lastFailure = {};
-    m_session = CaptureSession::start(pcm, format, wake, &m_lastFailure);
+    m_session = WaveCaptureSession::start(pcm, format, wake, &m_lastFailure);
     return IsRecording();
 }
 
@@ -58,7 +58,7 @@ int WaveInRecorder::DeliverPending()
 {
     // Keep the session alive while its buffer is in the handler, even when
     // the handler stops the recording.
-    const std::shared_ptr<CaptureSession> session = m_session;
+    const std::shared_ptr<WaveCaptureSession> session = m_session;
     if (!session)
         return 0;
     int delivered = 0;

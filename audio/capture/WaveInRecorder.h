@@ -20,7 +20,7 @@
 //    the owner (post an event, signal a condition), never call back in.
 
 #include "audio/capture/CaptureError.h"
-#include "audio/capture/CaptureSession.h"
+#include "audio/capture/WaveCaptureSession.h"
 #include "audio/capture/InputDevices.h"
 #include "audio/capture/MixerLines.h"
 
@@ -107,7 +107,7 @@ private:
     std::vector<InputDevice> m_devices;
     InputDevice m_selectedDevice;
     std::unique_ptr<CaptureMixer> m_mixer;
-    std::shared_ptr<CaptureSession> m_session;
+    std::shared_ptr<WaveCaptureSession> m_session;
     GotDataHandler m_gotData;
     std::function<void()> m_dataReady;
     CaptureFailure m_lastFailure;

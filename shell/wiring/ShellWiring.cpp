@@ -1,7 +1,9 @@
 #include "shell/wiring/ShellWiring.h"
 
+#include "audio/ui/AudioTools.h"
 #include "recording/engine/RecordScreenTool.h"
 #include "recording/ui/remote/RemoteClient.h"
+#include "shell/wiring/AudioWiring.h"
 #include "shell/wiring/RecordingWiring.h"
 #include "util/CommandLineTool.h"
 
@@ -14,6 +16,9 @@ ShellServices makeShellServices(Prompts& prompts)
     services.makeRecording = [&prompts](Mirabend_frm& window) -> std::unique_ptr<RecordingPort> {
         return std::make_unique<RecordingWiring>(window, prompts);
     };
+    services.makeAudio = [&prompts](Mirabend_frm& window) -> std::unique_ptr<AudioPort> {
+        return std::make_unique<AudioWiring>(window, prompts);
+    };
     return services;
 }
 
@@ -21,6 +26,9 @@ const CommandLineTool* const* commandLineTools(int* count)
 {
     static const CommandLineTool* const tools[] = {
         &kRecordScreenTool,
+        &kRecordAudioTool,
+        &kRepairWavTool,
+        &kAudioRecorderTool,
         &kRemoteCommandTool,
         &kRemoteRecordToTool,
     };

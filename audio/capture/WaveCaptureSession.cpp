@@ -1,4 +1,4 @@
-#include "audio/capture/CaptureSession.h"
+#include "audio/capture/WaveCaptureSession.h"
 
 #include <cerrno>
 #include <chrono>
@@ -57,7 +57,7 @@ CaptureFailure configure(snd_pcm_t* pcm, const CaptureFormat& format, snd_pcm_uf
 
 } // namespace
 
-std::unique_ptr<CaptureSession> CaptureSession::start(const std::string& pcmName, const CaptureFormat& format,
+std::unique_ptr<WaveCaptureSession> WaveCaptureSession::start(const std::string& pcmName, const CaptureFormat& format,
                                                       Wake wake, CaptureFailure* failure)
 {
     const int frameBytes = 2 * static_cast<int>(format.channels);
@@ -86,13 +86,13 @@ std::unique_ptr<CaptureSession> CaptureSession::start(const std::string& pcmName
         *failure = {CaptureError::StartFailed, "\"" + pcmName + "\": " + snd_strerror(err)};
         return nullptr;
     }
-    std::unique_ptr<CaptureSession> session(new CaptureSession(std::move(pcm), format, std::move(wake)));
+    std::unique_ptr<WaveCaptureSession> session(new WaveCaptureSession(std::move(pcm), format, std::move(wake)));
     session->m_deviceFrames = deviceFrames;
     session->m_thread = std::thread([s = session.get()] { s->run(); });
     return session;
 }
 
-CaptureSession::CaptureSession(alsa::Pcm pcm, const CaptureFormat& format, Wake wake)
+WaveCaptureSession::WaveCaptureSession(alsa::Pcm pcm, const CaptureFormat& format, Wake wake)
     : m_pcm(std::move(pcm))
     , m_format(format)
     , m_wake(std::move(wake))
@@ -106,12 +106,12 @@ CaptureSession::CaptureSession(alsa::Pcm pcm, const CaptureFormat& format, Wake 
     }
 }
 
-CaptureSession::~CaptureSession()
+WaveCaptureSession::~WaveCaptureSession()
 {
     stop();
 }
 
-void CaptureSession::stop()
+void WaveCaptureSession::stop()
 {
     m_stop = true;
     if (m_thread.joinable())
@@ -122,28 +122,28 @@ void CaptureSession::stop()
     }
 }
 
-std::optional<int> CaptureSession::takeFilled()
+std::optional<int> WaveCaptureSession::takeFilled()
 {
     return m_filled.popFor(std::chrono::milliseconds(0));
 }
 
-void CaptureSession::giveBack(int index)
+void WaveCaptureSession::giveBack(int index)
 {
     m_free.tryPush(index);
 }
 
-CaptureFailure CaptureSession::failure() const
+CaptureFailure WaveCaptureSession::failure() const
 {
     std::lock_guard<std::mutex> lock(m_failureMutex);
     return m_failure;
 }
 
-CaptureStats CaptureSession::stats() const
+CaptureStats WaveCaptureSession::stats() const
 {
     return {m_buffersFilled.load(), m_buffersDropped.load(), m_overruns.load()};
 }
 
-void CaptureSession::fail(CaptureError code, std::string detail)
+void WaveCaptureSession::fail(CaptureError code, std::string detail)
 {
     {
         std::lock_guard<std::mutex> lock(m_failureMutex);
@@ -155,7 +155,7 @@ void CaptureSession::fail(CaptureError code, std::string detail)
 
 // Overruns (EPIPE) and suspends (ESTRPIPE) are part of normal life; anything
 // else means the device is gone or broken.
-bool CaptureSession::recover(int err)
+bool WaveCaptureSession::recover(int err)
 {
     snd_pcm_t* pcm = m_pcm.get();
     if (err == -EPIPE) {
@@ -175,13 +175,13 @@ bool CaptureSession::recover(int err)
 
 // True while the device can take more than one further capture buffer
 // before it overruns.
-bool CaptureSession::deviceHasRoom(long framesPerBuffer)
+bool WaveCaptureSession::deviceHasRoom(long framesPerBuffer)
 {
     const snd_pcm_sframes_t avail = snd_pcm_avail_update(m_pcm.get());
     return avail >= 0 && avail + 2 * framesPerBuffer <= m_deviceFrames;
 }
 
-void CaptureSession::run()
+void WaveCaptureSession::run()
 {
     const auto channels = m_format.channels;
     const auto frameBytes = static_cast<int>(2 * channels);

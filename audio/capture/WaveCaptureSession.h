@@ -52,17 +52,17 @@ struct CaptureFormat {
     int bufferCount = 5;
 };
 
-class CaptureSession {
+class WaveCaptureSession {
 public:
     using Wake = std::function<void()>;
 
     // Opens `pcm` for 16-bit capture and starts the thread. Returns null and
     // fills `failure` when the device or the format is refused.
-    static std::unique_ptr<CaptureSession> start(const std::string& pcm, const CaptureFormat& format, Wake wake,
+    static std::unique_ptr<WaveCaptureSession> start(const std::string& pcm, const CaptureFormat& format, Wake wake,
                                                  CaptureFailure* failure);
-    ~CaptureSession();
-    CaptureSession(const CaptureSession&) = delete;
-    CaptureSession& operator=(const CaptureSession&) = delete;
+    ~WaveCaptureSession();
+    WaveCaptureSession(const WaveCaptureSession&) = delete;
+    WaveCaptureSession& operator=(const WaveCaptureSession&) = delete;
 
     // Ends the thread and closes the device. Filled buffers not yet taken are
     // discarded. Safe to call twice.
@@ -78,7 +78,7 @@ public:
     unsigned channels() const { return m_format.channels; }
 
 private:
-    CaptureSession(alsa::Pcm pcm, const CaptureFormat& format, Wake wake);
+    WaveCaptureSession(alsa::Pcm pcm, const CaptureFormat& format, Wake wake);
     void run();
     bool recover(int err);
     bool deviceHasRoom(long framesPerBuffer);
