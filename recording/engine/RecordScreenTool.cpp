@@ -281,9 +281,12 @@ QString configure(Screen2Video& r, const Options& o)
         const QString file = profileFile(name);
         if (!file.isEmpty()) {
             r.WmvProfileFile(file);
-        } else if (width) {
-            return QStringLiteral("no WMV profile file %1; WMV sizes come from the shipped profiles").arg(name);
         } else {
+            // No shipped profile of that size: the screen profile, which
+            // records at the captured size.
+            if (width)
+                std::fprintf(stderr, "mirabend: no WMV profile %s; recording at the captured size\n",
+                             qPrintable(name));
             r.WmvProfileFile(QString());
             r.WmvProfileIndex(0);
         }
