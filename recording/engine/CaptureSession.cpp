@@ -1,6 +1,6 @@
 #include "recording/engine/CaptureSession.h"
 
-#include "recording/engine/OverlayStage.h"
+#include <QGuiApplication>
 
 #include <QDateTime>
 #include <QImage>
@@ -168,7 +168,7 @@ RecorderCounters CaptureSession::counters() const
 void CaptureSession::videoCaptureLoop()
 {
     FrameGrid grid(m_plan.fpsNum, m_plan.fpsDen);
-    const bool canPaint = overlayPossible();
+    const bool canPaint = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
     int epoch = 0;
     while (!m_ending) {
         PacketPtr packet = makePacket();
@@ -208,10 +208,9 @@ void CaptureSession::videoCaptureLoop()
             continue;
         }
         if (canPaint) {
-            const OverlaySettings overlay = m_overlay->snapshot();
-            if (overlay.anyShown() && av_packet_make_writable(packet.get()) >= 0) {
+            if (m_overlay->active() && av_packet_make_writable(packet.get()) >= 0) {
                 QImage picture(packet->data, m_screenWidth, m_screenHeight, int(stride), QImage::Format_RGB32);
-                paintOverlay(picture, overlay, QDateTime::currentDateTime());
+                m_overlay->paint(picture, QDateTime::currentDateTime());
             }
         }
         if (!m_videoQueue.tryPush(VideoItem{std::move(packet), *slot}))

@@ -28,6 +28,10 @@ bool parseWindow(const QString& text, std::uint32_t& window)
     return true;
 }
 
+// Colours arrive as the options window's 32-bit values: red in the low
+// byte, then green, then blue (0x00BBGGRR).
+QColor colorOf(unsigned rgb) { return QColor(int(rgb & 0xff), int((rgb >> 8) & 0xff), int((rgb >> 16) & 0xff)); }
+
 } // namespace
 
 Screen2Video::Screen2Video()
@@ -107,14 +111,14 @@ void Screen2Video::ShowDateTime(bool on)
 void Screen2Video::DateTimeLayout(int formatIndex, int left, int top)
 {
     m_overlay->update([&](OverlaySettings& s) {
-        s.dateFormatIndex = formatIndex;
+        s.dateFormat = formatIndex;
         s.dateLeft = left;
         s.dateTop = top;
     });
 }
 void Screen2Video::DateTimeColor(unsigned rgb)
 {
-    m_overlay->update([&](OverlaySettings& s) { s.dateColor = rgb; });
+    m_overlay->update([&](OverlaySettings& s) { s.dateColor = colorOf(rgb); });
 }
 void Screen2Video::DateTimeFontName(const QString& name)
 {
@@ -154,21 +158,21 @@ void Screen2Video::TextStyle(int styleIndex, int)
 }
 void Screen2Video::TextColor(unsigned rgb)
 {
-    m_overlay->update([&](OverlaySettings& s) { s.textColor = rgb; });
+    m_overlay->update([&](OverlaySettings& s) { s.textColor = colorOf(rgb); });
 }
 void Screen2Video::TextOutlineColors(unsigned border, unsigned fill)
 {
     m_overlay->update([&](OverlaySettings& s) {
-        s.outlineColor = border;
-        s.outlineFill = fill;
+        s.outlineColor = colorOf(border);
+        s.outlineFillColor = colorOf(fill);
     });
 }
 void Screen2Video::HatchBrush(unsigned foreRgb, unsigned backRgb, int hatchIndex, int)
 {
     m_overlay->update([&](OverlaySettings& s) {
-        s.hatchFore = foreRgb;
-        s.hatchBack = backRgb;
-        s.hatchIndex = hatchIndex;
+        s.hatchForeColor = colorOf(foreRgb);
+        s.hatchBackColor = colorOf(backRgb);
+        s.hatchStyle = hatchIndex;
     });
 }
 void Screen2Video::TextureImage(const QString& file, int)
@@ -183,7 +187,7 @@ void Screen2Video::Image(const QString& file, unsigned transparentRgb, int left,
 {
     m_overlay->update([&](OverlaySettings& s) {
         s.imageFile = file;
-        s.imageTransparent = transparentRgb;
+        s.imageTransparentColor = colorOf(transparentRgb);
         s.imageLeft = left;
         s.imageTop = top;
         s.imageTransparency = transparency;
