@@ -2,17 +2,20 @@
 # Screen recording bench: Mirabend's recorder and the ffmpeg command line
 # record the same Xvfb screen with moving content, side by side, and the
 # ratios are printed.
-#   bench/recording/record_bench.sh DRIVER [--seconds N] [--minutes M]
-# DRIVER is the record_screen_driver built in tests/recording/engine.
+#   bench/recording/record_bench.sh DRIVER [--seconds N] [--minutes M] [--pause-bench PAUSE_SYNC_BENCH]
+# DRIVER is the record_screen_driver built in tests/recording/engine. Sound
+# comes from a private PulseAudio server with a sine source.
 set -euo pipefail
 driver=${1:?usage: record_bench.sh DRIVER [--seconds N] [--minutes M]}
 shift
 seconds=6
 minutes=0
+pause_bench=
 while [ $# -gt 0 ]; do
   case "$1" in
     --seconds) seconds=$2; shift 2 ;;
     --minutes) minutes=$2; shift 2 ;;
+    --pause-bench) pause_bench=$2; shift 2 ;;
     *) echo "unknown option $1" >&2; exit 2 ;;
   esac
 done
@@ -25,6 +28,14 @@ Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp +extension MIT-SHM 3>"$wor
 pids+=($!)
 for _ in $(seq 100); do [ -s "$work/display" ] && break; sleep 0.05; done
 export DISPLAY=:$(head -1 "$work/display")
+mkdir -p "$work/run" "$work/home"
+PULSE_RUNTIME_PATH="$work/run" XDG_RUNTIME_DIR="$work/run" HOME="$work/home" PULSE_SERVER="unix:$work/run/native" \
+  DBUS_SESSION_BUS_ADDRESS="unix:path=$work/no-bus" \
+  pulseaudio --daemonize=no --exit-idle-time=-1 -n -L 'module-native-protocol-unix auth-anonymous=1' \
+  -L 'module-null-sink sink_name=rec' -L 'module-sine-source source_name=mic' >/dev/null 2>&1 &
+pids+=($!)
+export PULSE_SERVER="unix:$work/run/native"
+for _ in $(seq 100); do [ -S "$work/run/native" ] && break; sleep 0.05; done
 # Moving content over the whole screen.
 SDL_VIDEODRIVER=x11 ffmpeg -loglevel quiet -re -f lavfi -i testsrc2=s=1280x720:r=30 -f sdl "bench" &
 pids+=($!)
@@ -58,6 +69,16 @@ run_pair "flv1 1280x720" flv 1280x720 "--video-bitrate 3512000" -c:v flv -b:v 35
 run_pair "h264 ultrafast 1280x720" mkv 1280x720 "" -c:v libx264 -preset ultrafast -crf 23
 run_pair "msvideo1 560x420" avi 560x420 "" -c:v msvideo1
 run_pair "msvideo1 1280x720" avi 1280x720 "" -c:v msvideo1
+
+if [ -n "$pause_bench" ]; then
+  echo "== A/V offset after 10 pause/resume cycles (H.264 + AAC, 24 fps, sound from a sine source)"
+  "$pause_bench" "$work/pauses.mkv" 10 24
+fi
+
+echo "== memory bound: msvideo1 1280x720 cannot keep up on one core; frames are dropped and counted"
+/usr/bin/time -f "%M" -o "$work/mem.time" "$driver" --record-screen "$work/slow.avi" --no-audio --fps 24 \
+  --seconds "$seconds" --size 1280x720 2>&1 | grep recorded || true
+echo "  peak RSS $(( $(cat "$work/mem.time") / 1024 )) MB"
 
 if [ "$minutes" != 0 ]; then
   echo "== memory over a $minutes minute msvideo1 1280x720 recording (peak RSS sampled every 10 s)"
