@@ -20,8 +20,7 @@ struct Ends {
     double audio = 0;
 };
 
-Ends streamEnds(const char* file)
-{
+Ends streamEnds(const char* file) {
     Ends ends;
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, file, nullptr, nullptr) < 0)
@@ -41,16 +40,14 @@ Ends streamEnds(const char* file)
     return ends;
 }
 
-void waitRecorded(mirabend::Screen2Video& r, double seconds)
-{
+void waitRecorded(mirabend::Screen2Video& r, double seconds) {
     while (r.IsCapturing() && r.Counters().secondsRecorded < seconds)
         std::this_thread::sleep_for(10ms);
 }
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     if (argc < 2) {
         std::fprintf(stderr, "usage: pause_sync_bench FILE.mkv [cycles] [fps]\n");
         return 2;
@@ -82,10 +79,11 @@ int main(int argc, char** argv)
     const mirabend::RecorderCounters c = r.Counters();
     const Ends ends = streamEnds(argv[1]);
     const double offset = std::fabs(ends.audio - ends.video);
-    std::printf("pause/resume cycles %d: picture %.3f s, sound %.3f s, offset %.3f s = %.2f frames (goal <= 1); "
-                "frames written %llu, duplicated %llu, dropped %llu\n",
-                cycles, ends.video, ends.audio, offset, offset * fps,
-                static_cast<unsigned long long>(c.framesWritten), static_cast<unsigned long long>(c.framesDuplicated),
-                static_cast<unsigned long long>(c.framesDropped));
+    std::printf(
+        "pause/resume cycles %d: picture %.3f s, sound %.3f s, offset %.3f s = %.2f frames (goal <= 1); "
+        "frames written %llu, duplicated %llu, dropped %llu\n",
+        cycles, ends.video, ends.audio, offset, offset * fps,
+        static_cast<unsigned long long>(c.framesWritten), static_cast<unsigned long long>(c.framesDuplicated),
+        static_cast<unsigned long long>(c.framesDropped));
     return 0;
 }

@@ -9,8 +9,8 @@ extern "C" {
 
 namespace mirabend {
 
-RecorderFailure AudioEncoder::open(const AudioTarget& target, int inputRate, int inputChannels, bool globalHeader)
-{
+RecorderFailure AudioEncoder::open(const AudioTarget& target, int inputRate, int inputChannels,
+                                   bool globalHeader) {
     const AVCodec* codec = avcodec_find_encoder_by_name(target.encoder.c_str());
     if (!codec)
         return {RecorderError::EncoderUnavailable, "this FFmpeg has no " + target.encoder + " encoder"};
@@ -34,9 +34,9 @@ RecorderFailure AudioEncoder::open(const AudioTarget& target, int inputRate, int
         c->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     const int ret = avcodec_open2(c.get(), codec, nullptr);
     if (ret < 0)
-        return {RecorderError::EncoderUnavailable, target.encoder + " refused " + std::to_string(target.sampleRate) +
-                                                       " Hz, " + std::to_string(target.channels) +
-                                                       " channel(s): " + avErrorText(ret)};
+        return {RecorderError::EncoderUnavailable,
+                target.encoder + " refused " + std::to_string(target.sampleRate) + " Hz, " +
+                    std::to_string(target.channels) + " channel(s): " + avErrorText(ret)};
     AVChannelLayout inLayout;
     av_channel_layout_default(&inLayout, inputChannels);
     SwrContext* raw = nullptr;
@@ -61,8 +61,7 @@ RecorderFailure AudioEncoder::open(const AudioTarget& target, int inputRate, int
     return {};
 }
 
-int AudioEncoder::write(const std::int16_t* samples, std::int64_t count, const Sink& sink)
-{
+int AudioEncoder::write(const std::int16_t* samples, std::int64_t count, const Sink& sink) {
     while (count > 0) {
         const int chunk = int(std::min<std::int64_t>(count, 8192));
         if (!samples && m_silence.size() < std::size_t(chunk * m_inputChannels))
@@ -78,10 +77,12 @@ int AudioEncoder::write(const std::int16_t* samples, std::int64_t count, const S
                 return AVERROR(ENOMEM);
         }
         const std::uint8_t* inPlanes[1] = {reinterpret_cast<const std::uint8_t*>(in)};
-        const int got = swr_convert(m_resampler.get(), m_converted->extended_data, outCapacity, inPlanes, chunk);
+        const int got =
+            swr_convert(m_resampler.get(), m_converted->extended_data, outCapacity, inPlanes, chunk);
         if (got < 0)
             return got;
-        if (got > 0 && av_audio_fifo_write(m_fifo.get(), reinterpret_cast<void**>(m_converted->extended_data), got) < got)
+        if (got > 0 && av_audio_fifo_write(m_fifo.get(), reinterpret_cast<void**>(m_converted->extended_data),
+                                           got) < got)
             return AVERROR(ENOMEM);
         if (samples)
             samples += std::size_t(chunk) * std::size_t(m_inputChannels);
@@ -92,8 +93,7 @@ int AudioEncoder::write(const std::int16_t* samples, std::int64_t count, const S
     return 0;
 }
 
-int AudioEncoder::encodeFrames(bool all, const Sink& sink)
-{
+int AudioEncoder::encodeFrames(bool all, const Sink& sink) {
     const bool variable = m_codec->codec->capabilities & AV_CODEC_CAP_VARIABLE_FRAME_SIZE;
     while (av_audio_fifo_size(m_fifo.get()) >= m_frameSize || (all && av_audio_fifo_size(m_fifo.get()) > 0)) {
         const int available = std::min(av_audio_fifo_size(m_fifo.get()), m_frameSize);
@@ -110,7 +110,8 @@ int AudioEncoder::encodeFrames(bool all, const Sink& sink)
         if (frame->nb_samples > available)
             av_samples_set_silence(frame->extended_data, 0, frame->nb_samples, m_codec->ch_layout.nb_channels,
                                    m_codec->sample_fmt);
-        if (av_audio_fifo_read(m_fifo.get(), reinterpret_cast<void**>(frame->extended_data), available) < available)
+        if (av_audio_fifo_read(m_fifo.get(), reinterpret_cast<void**>(frame->extended_data), available) <
+            available)
             return AVERROR(EIO);
         frame->pts = m_nextPts;
         m_nextPts += frame->nb_samples;
@@ -120,8 +121,7 @@ int AudioEncoder::encodeFrames(bool all, const Sink& sink)
     return 0;
 }
 
-int AudioEncoder::send(const AVFrame* frame, const Sink& sink)
-{
+int AudioEncoder::send(const AVFrame* frame, const Sink& sink) {
     int ret = avcodec_send_frame(m_codec.get(), frame);
     if (ret < 0 && ret != AVERROR_EOF)
         return ret;
@@ -138,8 +138,7 @@ int AudioEncoder::send(const AVFrame* frame, const Sink& sink)
     }
 }
 
-int AudioEncoder::finish(const Sink& sink)
-{
+int AudioEncoder::finish(const Sink& sink) {
     if (!m_codec)
         return 0;
     // What the resampler still holds.

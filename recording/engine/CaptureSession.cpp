@@ -1,8 +1,7 @@
 #include "recording/engine/CaptureSession.h"
 
-#include <QGuiApplication>
-
 #include <QDateTime>
+#include <QGuiApplication>
 #include <QImage>
 #include <chrono>
 
@@ -24,8 +23,7 @@ constexpr std::int64_t kAudioToleranceUs = 60000;
 // How long a stop waits for sound the server has not delivered yet.
 constexpr std::int64_t kAudioGraceUs = 2500000;
 
-std::string displayName(const std::string& display)
-{
+std::string displayName(const std::string& display) {
     if (!display.empty())
         return display;
     const char* env = std::getenv("DISPLAY");
@@ -39,16 +37,17 @@ CaptureSession::CaptureSession(std::shared_ptr<OverlayBoard> overlay, std::share
     , m_failures(std::move(failures))
     , m_videoQueue(kVideoQueueFrames)
     , m_audioQueue(kAudioQueueBlocks)
-    , m_muxQueue(kMuxQueuePackets)
-{
+    , m_muxQueue(kMuxQueuePackets) {}
+
+CaptureSession::~CaptureSession() {
+    stop();
 }
 
-CaptureSession::~CaptureSession() { stop(); }
+void CaptureSession::fail(RecorderError code, const std::string& detail) {
+    m_failures->add({code, detail});
+}
 
-void CaptureSession::fail(RecorderError code, const std::string& detail) { m_failures->add({code, detail}); }
-
-RecorderFailure CaptureSession::start(const RecordingPlan& plan)
-{
+RecorderFailure CaptureSession::start(const RecordingPlan& plan) {
     m_plan = plan;
     const CaptureTarget& target = plan.capture;
     const std::string display = displayName(target.display);
@@ -60,8 +59,8 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
     if (target.window != 0) {
         screenOptions.push_back({"window_id", std::to_string(target.window)});
     } else {
-        screenOptions.push_back({"video_size", std::to_string(target.region.width) + "x" +
-                                                   std::to_string(target.region.height)});
+        screenOptions.push_back(
+            {"video_size", std::to_string(target.region.width) + "x" + std::to_string(target.region.height)});
         screenOptions.push_back({"grab_x", std::to_string(target.region.left)});
         screenOptions.push_back({"grab_y", std::to_string(target.region.top)});
     }
@@ -108,7 +107,8 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
                 m_audioEncoder.open(plan.audio, p->sample_rate, p->ch_layout.nb_channels, globalHeader))
             return f;
     }
-    if (RecorderFailure f = m_mux.open(plan, m_videoEncoder.context(), m_haveAudio ? m_audioEncoder.context() : nullptr))
+    if (RecorderFailure f =
+            m_mux.open(plan, m_videoEncoder.context(), m_haveAudio ? m_audioEncoder.context() : nullptr))
         return f;
 
     // Both devices are read from now on; the recording's time starts here.
@@ -125,19 +125,21 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
     return {};
 }
 
-void CaptureSession::endNow()
-{
+void CaptureSession::endNow() {
     std::int64_t none = 0;
     if (m_endStamp.compare_exchange_strong(none, av_gettime()))
         m_clock.pause(m_endStamp); // nothing after the end is recorded
     m_ending = true;
 }
 
-void CaptureSession::pause() { m_clock.pause(av_gettime()); }
-void CaptureSession::resume() { m_clock.resume(av_gettime()); }
+void CaptureSession::pause() {
+    m_clock.pause(av_gettime());
+}
+void CaptureSession::resume() {
+    m_clock.resume(av_gettime());
+}
 
-void CaptureSession::stop()
-{
+void CaptureSession::stop() {
     if (!m_started)
         return;
     endNow();
@@ -148,8 +150,7 @@ void CaptureSession::stop()
     m_started = false;
 }
 
-RecorderCounters CaptureSession::counters() const
-{
+RecorderCounters CaptureSession::counters() const {
     RecorderCounters c;
     c.framesCaptured = m_framesCaptured;
     c.framesWritten = m_framesWritten;
@@ -165,8 +166,7 @@ RecorderCounters CaptureSession::counters() const
 
 // ---- capture ----------------------------------------------------------------
 
-void CaptureSession::videoCaptureLoop()
-{
+void CaptureSession::videoCaptureLoop() {
     FrameGrid grid(m_plan.fpsNum, m_plan.fpsDen);
     const bool canPaint = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
     int epoch = 0;
@@ -180,11 +180,12 @@ void CaptureSession::videoCaptureLoop()
         if (ret < 0) {
             if (!m_ending) {
                 if (m_plan.capture.window)
-                    fail(RecorderError::WindowClosed, "the recorded window " +
-                                                          std::to_string(m_plan.capture.window) +
-                                                          " cannot be read any more (" + avErrorText(ret) + ")");
+                    fail(RecorderError::WindowClosed,
+                         "the recorded window " + std::to_string(m_plan.capture.window) +
+                             " cannot be read any more (" + avErrorText(ret) + ")");
                 else
-                    fail(RecorderError::CaptureFailed, "the screen cannot be read any more: " + avErrorText(ret));
+                    fail(RecorderError::CaptureFailed,
+                         "the screen cannot be read any more: " + avErrorText(ret));
                 endNow();
             }
             break;
@@ -209,7 +210,8 @@ void CaptureSession::videoCaptureLoop()
         }
         if (canPaint) {
             if (m_overlay->active() && av_packet_make_writable(packet.get()) >= 0) {
-                QImage picture(packet->data, m_screenWidth, m_screenHeight, int(stride), QImage::Format_RGB32);
+                QImage picture(packet->data, m_screenWidth, m_screenHeight, int(stride),
+                               QImage::Format_RGB32);
                 m_overlay->paint(picture, QDateTime::currentDateTime());
             }
         }
@@ -219,8 +221,7 @@ void CaptureSession::videoCaptureLoop()
     m_videoQueue.close();
 }
 
-void CaptureSession::audioCaptureLoop()
-{
+void CaptureSession::audioCaptureLoop() {
     const int channels = m_audioEncoder.inputChannels();
     const int rate = m_audioEncoder.inputRate();
     bool lost = false;
@@ -249,9 +250,9 @@ void CaptureSession::audioCaptureLoop()
                     break;
                 // The source went away (unplugged, server restarted): the
                 // recording goes on with silence so the picture is kept.
-                fail(RecorderError::AudioSourceLost,
-                     "\"" + m_plan.source.label + "\" stopped delivering sound (" + avErrorText(ret) +
-                         "); recording silence from here on");
+                fail(RecorderError::AudioSourceLost, "\"" + m_plan.source.label +
+                                                         "\" stopped delivering sound (" + avErrorText(ret) +
+                                                         "); recording silence from here on");
                 lost = true;
                 nextSilence = std::max(received, av_gettime());
                 continue;
@@ -289,8 +290,7 @@ void CaptureSession::audioCaptureLoop()
 
 // ---- encode -----------------------------------------------------------------
 
-void CaptureSession::pushToMux(PacketPtr packet, int stream)
-{
+void CaptureSession::pushToMux(PacketPtr packet, int stream) {
     // The encoders may wait here: the writer is behind, and a full video
     // queue in front of them turns that into counted drops at capture.
     while (!m_writeFailed) {
@@ -303,16 +303,15 @@ void CaptureSession::pushToMux(PacketPtr packet, int stream)
     }
 }
 
-void CaptureSession::producerDone()
-{
+void CaptureSession::producerDone() {
     if (--m_muxProducers == 0)
         m_muxQueue.close();
 }
 
-void CaptureSession::videoEncodeLoop()
-{
-    const AVRational timeBase = m_videoEncoder.context()->time_base;
-    const auto sink = [&](PacketPtr p) { pushToMux(std::move(p), 0); };
+void CaptureSession::videoEncodeLoop() {
+    const auto sink = [&](PacketPtr p) {
+        pushToMux(std::move(p), 0);
+    };
     // Fill short gaps with the previous picture so players see a steady
     // rate; SWF counts frames, not time, so there every gap is filled.
     const std::int64_t maxFill = m_plan.constantFrameRate ? INT64_MAX : std::max(1, m_plan.video.gopSize) * 2;
@@ -354,13 +353,13 @@ void CaptureSession::videoEncodeLoop()
     last.reset();
     if (!m_writeFailed)
         m_videoEncoder.encode(nullptr, sink);
-    (void)timeBase;
     producerDone();
 }
 
-void CaptureSession::audioEncodeLoop()
-{
-    const auto sink = [&](PacketPtr p) { pushToMux(std::move(p), 1); };
+void CaptureSession::audioEncodeLoop() {
+    const auto sink = [&](PacketPtr p) {
+        pushToMux(std::move(p), 1);
+    };
     AudioTimeline timeline(m_audioEncoder.inputRate(), kAudioToleranceUs);
     const int channels = m_audioEncoder.inputChannels();
     int epoch = 0;
@@ -397,8 +396,7 @@ void CaptureSession::audioEncodeLoop()
 
 // ---- mux ----------------------------------------------------------------------
 
-void CaptureSession::muxLoop()
-{
+void CaptureSession::muxLoop() {
     const AVRational timeBases[2] = {m_videoEncoder.context()->time_base,
                                      m_haveAudio ? m_audioEncoder.context()->time_base : AVRational{1, 1}};
     while (std::optional<MuxItem> item = m_muxQueue.pop()) {

@@ -79,12 +79,15 @@ private:
     AVDictionary* m_dict = nullptr;
 };
 
-inline FramePtr makeFrame() { return FramePtr(av_frame_alloc()); }
-inline PacketPtr makePacket() { return PacketPtr(av_packet_alloc()); }
+inline FramePtr makeFrame() {
+    return FramePtr(av_frame_alloc());
+}
+inline PacketPtr makePacket() {
+    return PacketPtr(av_packet_alloc());
+}
 
 // FFmpeg's text for an error code.
-inline std::string avErrorText(int err)
-{
+inline std::string avErrorText(int err) {
     char text[AV_ERROR_MAX_STRING_SIZE] = {};
     av_strerror(err, text, sizeof text);
     return text;

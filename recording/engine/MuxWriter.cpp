@@ -2,16 +2,17 @@
 
 namespace mirabend {
 
-MuxWriter::~MuxWriter() { close(); }
+MuxWriter::~MuxWriter() {
+    close();
+}
 
-bool MuxWriter::needsGlobalHeader(const std::string& muxer)
-{
+bool MuxWriter::needsGlobalHeader(const std::string& muxer) {
     const AVOutputFormat* format = av_guess_format(muxer.c_str(), nullptr, nullptr);
     return format && (format->flags & AVFMT_GLOBALHEADER);
 }
 
-RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext* video, const AVCodecContext* audio)
-{
+RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext* video,
+                                const AVCodecContext* audio) {
     AVFormatContext* raw = nullptr;
     int ret = avformat_alloc_output_context2(&raw, nullptr, plan.muxer.c_str(), plan.file.c_str());
     if (ret < 0 || !raw)
@@ -51,13 +52,13 @@ RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext*
     }
     ret = avformat_write_header(m_context.get(), options.slot());
     if (ret < 0)
-        return {RecorderError::OutputOpenFailed, "cannot write the " + plan.muxer + " header: " + avErrorText(ret)};
+        return {RecorderError::OutputOpenFailed,
+                "cannot write the " + plan.muxer + " header: " + avErrorText(ret)};
     m_headerWritten = true;
     return {};
 }
 
-int MuxWriter::write(AVPacket* packet, int stream, AVRational codecTimeBase)
-{
+int MuxWriter::write(AVPacket* packet, int stream, AVRational codecTimeBase) {
     if (!m_headerWritten || stream < 0 || stream > 1 || !m_streams[stream])
         return AVERROR(EINVAL);
     av_packet_rescale_ts(packet, codecTimeBase, m_streams[stream]->time_base);
@@ -73,8 +74,7 @@ int MuxWriter::write(AVPacket* packet, int stream, AVRational codecTimeBase)
     return ret;
 }
 
-int MuxWriter::close()
-{
+int MuxWriter::close() {
     int result = 0;
     if (m_headerWritten) {
         result = av_write_trailer(m_context.get());

@@ -16,8 +16,7 @@ namespace mirabend {
 class OverlayBoard {
 public:
     template <typename Change>
-    OverlayReport update(Change change)
-    {
+    OverlayReport update(Change change) {
         OverlaySettings copy;
         {
             std::lock_guard<std::mutex> lock(m_mutex);
@@ -26,8 +25,7 @@ public:
         }
         return m_painter.apply(copy);
     }
-    OverlaySettings snapshot() const
-    {
+    OverlaySettings snapshot() const {
         std::lock_guard<std::mutex> lock(m_mutex);
         return m_settings;
     }

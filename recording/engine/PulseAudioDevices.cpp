@@ -1,9 +1,8 @@
 // PulseAudio (and PipeWire's PulseAudio service): sources and their ports.
 #include "recording/engine/AudioDeviceCatalog.h"
 
-#include <pulse/pulseaudio.h>
-
 #include <algorithm>
+#include <pulse/pulseaudio.h>
 
 namespace mirabend {
 
@@ -13,8 +12,7 @@ struct MainloopDeleter {
     void operator()(pa_mainloop* m) const { pa_mainloop_free(m); }
 };
 struct ContextDeleter {
-    void operator()(pa_context* c) const
-    {
+    void operator()(pa_context* c) const {
         pa_context_disconnect(c);
         pa_context_unref(c);
     }
@@ -28,8 +26,7 @@ struct OperationDeleter {
 class PulseConnection {
 public:
     PulseConnection()
-        : m_loop(pa_mainloop_new())
-    {
+        : m_loop(pa_mainloop_new()) {
         if (!m_loop)
             return;
         m_context.reset(pa_context_new(pa_mainloop_get_api(m_loop.get()), "Mirabend"));
@@ -50,8 +47,7 @@ public:
     bool ready() const { return m_ready; }
     pa_context* context() { return m_context.get(); }
     // Runs the loop until the operation is done.
-    bool wait(pa_operation* raw)
-    {
+    bool wait(pa_operation* raw) {
         std::unique_ptr<pa_operation, OperationDeleter> op(raw);
         if (!op)
             return false;
@@ -74,14 +70,12 @@ struct Listing {
     bool success = true;
 };
 
-void onServerInfo(pa_context*, const pa_server_info* info, void* data)
-{
+void onServerInfo(pa_context*, const pa_server_info* info, void* data) {
     if (info && info->default_source_name)
         static_cast<Listing*>(data)->defaultSource = info->default_source_name;
 }
 
-void onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* data)
-{
+void onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* data) {
     auto* listing = static_cast<Listing*>(data);
     if (eol < 0) {
         listing->success = false;
@@ -95,7 +89,8 @@ void onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* data)
     device.name = QString::fromUtf8(info->description && *info->description ? info->description : info->name);
     for (uint32_t i = 0; i < info->n_ports; ++i) {
         const pa_source_port_info* port = info->ports[i];
-        device.pins << QString::fromUtf8(port->description && *port->description ? port->description : port->name);
+        device.pins << QString::fromUtf8(port->description && *port->description ? port->description
+                                                                                 : port->name);
         device.pinIds.push_back(port->name);
         if (info->active_port == port)
             device.activePin = int(i);
@@ -103,15 +98,17 @@ void onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* data)
     listing->devices.push_back(std::move(device));
 }
 
-void onSuccess(pa_context*, int success, void* data) { *static_cast<int*>(data) = success; }
+void onSuccess(pa_context*, int success, void* data) {
+    *static_cast<int*>(data) = success;
+}
 
 class PulseAudioCatalog final : public AudioDeviceCatalog {
 public:
-    explicit PulseAudioCatalog(std::vector<AudioDeviceInfo> devices) : m_devices(std::move(devices)) {}
+    explicit PulseAudioCatalog(std::vector<AudioDeviceInfo> devices)
+        : m_devices(std::move(devices)) {}
     const std::vector<AudioDeviceInfo>& devices() const override { return m_devices; }
 
-    bool selectPin(const AudioDeviceInfo& device, int pin, std::string& error) override
-    {
+    bool selectPin(const AudioDeviceInfo& device, int pin, std::string& error) override {
         if (pin < 0 || pin >= int(device.pinIds.size()))
             return true; // a device without pins records from what it has
         PulseConnection pulse;
@@ -136,14 +133,14 @@ private:
 
 } // namespace
 
-std::unique_ptr<AudioDeviceCatalog> makePulseAudioCatalog()
-{
+std::unique_ptr<AudioDeviceCatalog> makePulseAudioCatalog() {
     PulseConnection pulse;
     if (!pulse.ready())
         return nullptr;
     Listing listing;
     if (!pulse.wait(pa_context_get_server_info(pulse.context(), onServerInfo, &listing)) ||
-        !pulse.wait(pa_context_get_source_info_list(pulse.context(), onSourceInfo, &listing)) || !listing.success)
+        !pulse.wait(pa_context_get_source_info_list(pulse.context(), onSourceInfo, &listing)) ||
+        !listing.success)
         return nullptr;
     // The default source first: it is what a recording takes unless told
     // otherwise. Monitors of outputs stay in the list, after the inputs.
@@ -152,7 +149,8 @@ std::unique_ptr<AudioDeviceCatalog> makePulseAudioCatalog()
                          const auto rank = [&](const AudioDeviceInfo& d) {
                              if (d.id == listing.defaultSource)
                                  return 0;
-                             return d.id.size() >= 8 && d.id.compare(d.id.size() - 8, 8, ".monitor") == 0 ? 2 : 1;
+                             return d.id.size() >= 8 && d.id.compare(d.id.size() - 8, 8, ".monitor") == 0 ? 2
+                                                                                                          : 1;
                          };
                          return rank(a) < rank(b);
                      });

@@ -25,10 +25,11 @@ namespace {
 
 std::atomic<bool> g_stopRequested{false};
 
-void onStopSignal(int) { g_stopRequested = true; }
+void onStopSignal(int) {
+    g_stopRequested = true;
+}
 
-const char* errorName(RecorderError code)
-{
+const char* errorName(RecorderError code) {
     switch (code) {
     case RecorderError::None:
         return "no error";
@@ -83,14 +84,12 @@ struct Options {
     bool listCodecs = false;
 };
 
-int usage(const char* problem)
-{
+int usage(const char* problem) {
     std::fprintf(stderr, "mirabend: %s\n%s\n%s", problem, kRecordScreenTool.synopsis, kRecordScreenTool.help);
     return 2;
 }
 
-bool parseSize(const QString& text, int& w, int& h)
-{
+bool parseSize(const QString& text, int& w, int& h) {
     const QStringList parts = text.toLower().split(QLatin1Char('x'));
     bool okW = false;
     bool okH = false;
@@ -102,8 +101,7 @@ bool parseSize(const QString& text, int& w, int& h)
 }
 
 // Returns an empty string on success, else the problem.
-QString parse(int argc, char** argv, Options& o)
-{
+QString parse(int argc, char** argv, Options& o) {
     for (int i = 1; i < argc; ++i) {
         const QString arg = QString::fromLocal8Bit(argv[i]);
         const auto value = [&](QString& out) {
@@ -182,8 +180,7 @@ QString parse(int argc, char** argv, Options& o)
 }
 
 // The shipped profile files live next to the executable or in the data folder.
-QString profileFile(const QString& name)
-{
+QString profileFile(const QString& name) {
     QStringList folders;
     folders << QCoreApplication::applicationDirPath()
             << QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/mirabend"));
@@ -198,8 +195,7 @@ QString profileFile(const QString& name)
     return {};
 }
 
-void list(Screen2Video& recorder, const Options& o)
-{
+void list(Screen2Video& recorder, const Options& o) {
     if (o.listDevices) {
         std::printf("Audio devices (the first is the system default):\n");
         const NamedList& devices = recorder.AudioDevices();
@@ -220,8 +216,9 @@ void list(Screen2Video& recorder, const Options& o)
         std::printf("Audio compressors (AVI):\n");
         for (const QString& n : recorder.AudioCompressors().Names())
             std::printf("  %s\n", qPrintable(n));
-        std::printf("Other formats: WMV Windows Media Video 8 + Windows Media Audio 2; FLV and SWF Sorenson Spark + "
-                    "MPEG Layer-3; MP4 and MKV H.264 + AAC\n");
+        std::printf(
+            "Other formats: WMV Windows Media Video 8 + Windows Media Audio 2; FLV and SWF Sorenson Spark + "
+            "MPEG Layer-3; MP4 and MKV H.264 + AAC\n");
         std::printf("WMV system profiles:\n");
         for (const QString& n : recorder.WmvSystemProfiles().Names())
             std::printf("  %s\n", qPrintable(n));
@@ -229,8 +226,7 @@ void list(Screen2Video& recorder, const Options& o)
 }
 
 // Sets up the recorder as the options window starts, then applies the options.
-QString configure(Screen2Video& r, const Options& o)
-{
+QString configure(Screen2Video& r, const Options& o) {
     r.OutputFileName(o.file);
     r.OutputFormat(o.format);
     r.FrameRate(o.fps);
@@ -250,8 +246,9 @@ QString configure(Screen2Video& r, const Options& o)
     }
     const OutputFormatCode format = OutputFormatCode(o.format);
     if (format != OutputFormatCode::Avi && (!o.videoCodec.isEmpty() || !o.audioCodec.isEmpty()))
-        return QStringLiteral("--video-codec and --audio-codec choose AVI compressors; the other formats have "
-                              "fixed codecs (see --list-codecs)");
+        return QStringLiteral(
+            "--video-codec and --audio-codec choose AVI compressors; the other formats have "
+            "fixed codecs (see --list-codecs)");
     const int width = o.width;
     const int height = o.height;
     switch (format) {
@@ -277,7 +274,8 @@ QString configure(Screen2Video& r, const Options& o)
     }
     case OutputFormatCode::Wmv: {
         r.WmvUseProfile(true);
-        const QString name = width ? QStringLiteral("%1x%2.prx").arg(width).arg(height) : QStringLiteral("640x480S.prx");
+        const QString name =
+            width ? QStringLiteral("%1x%2.prx").arg(width).arg(height) : QStringLiteral("640x480S.prx");
         const QString file = profileFile(name);
         if (!file.isEmpty()) {
             r.WmvProfileFile(file);
@@ -331,8 +329,7 @@ QString configure(Screen2Video& r, const Options& o)
     return {};
 }
 
-void report(const std::vector<RecorderFailure>& failures, bool& fatal)
-{
+void report(const std::vector<RecorderFailure>& failures, bool& fatal) {
     for (const RecorderFailure& f : failures) {
         std::fprintf(stderr, "mirabend: %s: %s\n", errorName(f.code), f.detail.c_str());
         if (f.code == RecorderError::WriteFailed || f.code == RecorderError::CaptureFailed)
@@ -342,8 +339,7 @@ void report(const std::vector<RecorderFailure>& failures, bool& fatal)
 
 } // namespace
 
-int runRecordScreen(int argc, char** argv)
-{
+int runRecordScreen(int argc, char** argv) {
     Options o;
     const QString problem = parse(argc, argv, o);
     if (!problem.isEmpty())
@@ -403,8 +399,8 @@ int runRecordScreen(int argc, char** argv)
             break;
         if (terminal) {
             const int s = int(c.secondsRecorded);
-            std::fprintf(stderr, "\r%02d:%02d:%02d  frames %llu  dropped %llu  ", s / 3600, s / 60 % 60, s % 60,
-                         static_cast<unsigned long long>(c.framesWritten),
+            std::fprintf(stderr, "\r%02d:%02d:%02d  frames %llu  dropped %llu  ", s / 3600, s / 60 % 60,
+                         s % 60, static_cast<unsigned long long>(c.framesWritten),
                          static_cast<unsigned long long>(c.framesDropped));
         }
     }
@@ -415,13 +411,14 @@ int runRecordScreen(int argc, char** argv)
     sigaction(SIGINT, &oldInt, nullptr);
     sigaction(SIGTERM, &oldTerm, nullptr);
     const RecorderCounters c = recorder.Counters();
-    std::fprintf(stderr,
-                 "mirabend: recorded %.1f s to %s: %llu frames written (%llu repeated), %llu captured, %llu dropped, "
-                 "%llu audio overruns\n",
-                 c.secondsRecorded, qPrintable(o.file), static_cast<unsigned long long>(c.framesWritten),
-                 static_cast<unsigned long long>(c.framesDuplicated),
-                 static_cast<unsigned long long>(c.framesCaptured), static_cast<unsigned long long>(c.framesDropped),
-                 static_cast<unsigned long long>(c.audioOverruns));
+    std::fprintf(
+        stderr,
+        "mirabend: recorded %.1f s to %s: %llu frames written (%llu repeated), %llu captured, %llu dropped, "
+        "%llu audio overruns\n",
+        c.secondsRecorded, qPrintable(o.file), static_cast<unsigned long long>(c.framesWritten),
+        static_cast<unsigned long long>(c.framesDuplicated),
+        static_cast<unsigned long long>(c.framesCaptured), static_cast<unsigned long long>(c.framesDropped),
+        static_cast<unsigned long long>(c.audioOverruns));
     return fatal ? 3 : 0;
 }
 

@@ -8,9 +8,8 @@ extern "C" {
 
 namespace mirabend {
 
-CodecContextPtr VideoEncoder::makeContext(const AVCodec* codec, const RecordingPlan& plan, AVPixelFormat format,
-                                          bool globalHeader) const
-{
+CodecContextPtr VideoEncoder::makeContext(const AVCodec* codec, const RecordingPlan& plan,
+                                          AVPixelFormat format, bool globalHeader) const {
     CodecContextPtr c(avcodec_alloc_context3(codec));
     if (!c)
         return nullptr;
@@ -30,8 +29,7 @@ CodecContextPtr VideoEncoder::makeContext(const AVCodec* codec, const RecordingP
     return c;
 }
 
-bool VideoEncoder::openHardware(const RecordingPlan& plan, const char* encoder, bool globalHeader)
-{
+bool VideoEncoder::openHardware(const RecordingPlan& plan, const char* encoder, bool globalHeader) {
     const AVCodec* codec = avcodec_find_encoder_by_name(encoder);
     if (!codec)
         return false;
@@ -72,8 +70,7 @@ bool VideoEncoder::openHardware(const RecordingPlan& plan, const char* encoder, 
     return true;
 }
 
-bool VideoEncoder::openSoftware(const RecordingPlan& plan, bool globalHeader, std::string& error)
-{
+bool VideoEncoder::openSoftware(const RecordingPlan& plan, bool globalHeader, std::string& error) {
     const AVCodec* codec = avcodec_find_encoder_by_name(plan.video.encoder.c_str());
     if (!codec) {
         error = "this FFmpeg has no " + plan.video.encoder + " encoder";
@@ -106,26 +103,26 @@ bool VideoEncoder::openSoftware(const RecordingPlan& plan, bool globalHeader, st
     return true;
 }
 
-RecorderFailure VideoEncoder::open(const RecordingPlan& plan, int sourceWidth, int sourceHeight, bool globalHeader)
-{
+RecorderFailure VideoEncoder::open(const RecordingPlan& plan, int sourceWidth, int sourceHeight,
+                                   bool globalHeader) {
     m_sourceWidth = sourceWidth;
     m_sourceHeight = sourceHeight;
     if (plan.video.hardwareWanted && plan.video.encoder == "libx264") {
-        if (!openHardware(plan, "h264_vaapi", globalHeader) && !openHardware(plan, "h264_nvenc", globalHeader))
+        if (!openHardware(plan, "h264_vaapi", globalHeader) &&
+            !openHardware(plan, "h264_nvenc", globalHeader))
             m_hardwareNote = "no VA-API or NVENC H.264 encoder works here; encoding in software";
     }
     std::string error;
     if (!m_codec && !openSoftware(plan, globalHeader, error))
         return {RecorderError::EncoderUnavailable, error};
-    m_scaler.reset(sws_getContext(sourceWidth, sourceHeight, AV_PIX_FMT_BGR0, plan.video.width, plan.video.height,
-                                  m_swFormat, SWS_BILINEAR, nullptr, nullptr, nullptr));
+    m_scaler.reset(sws_getContext(sourceWidth, sourceHeight, AV_PIX_FMT_BGR0, plan.video.width,
+                                  plan.video.height, m_swFormat, SWS_BILINEAR, nullptr, nullptr, nullptr));
     if (!m_scaler)
         return {RecorderError::EncoderUnavailable, "cannot convert the screen picture to " + m_name};
     return {};
 }
 
-FramePtr VideoEncoder::convert(const std::uint8_t* bgr0, int linesize)
-{
+FramePtr VideoEncoder::convert(const std::uint8_t* bgr0, int linesize) {
     FramePtr frame = makeFrame();
     if (!frame)
         return nullptr;
@@ -147,8 +144,7 @@ FramePtr VideoEncoder::convert(const std::uint8_t* bgr0, int linesize)
     return frame;
 }
 
-int VideoEncoder::encode(const AVFrame* frame, const std::function<void(PacketPtr)>& sink)
-{
+int VideoEncoder::encode(const AVFrame* frame, const std::function<void(PacketPtr)>& sink) {
     int ret = avcodec_send_frame(m_codec.get(), frame);
     if (ret < 0 && ret != AVERROR_EOF)
         return ret;

@@ -13,8 +13,7 @@
 namespace mirabend {
 namespace {
 
-TEST(RecordingClockTest, PausesAreCutOutOfMediaTime)
-{
+TEST(RecordingClockTest, PausesAreCutOutOfMediaTime) {
     RecordingClock clock;
     clock.start(1000);
     EXPECT_FALSE(clock.mediaTime(999));
@@ -31,8 +30,7 @@ TEST(RecordingClockTest, PausesAreCutOutOfMediaTime)
     EXPECT_EQ(clock.pauseCount(), 1);
 }
 
-TEST(RecordingClockTest, SegmentsSplitABlockAtStartAndPauses)
-{
+TEST(RecordingClockTest, SegmentsSplitABlockAtStartAndPauses) {
     RecordingClock clock;
     clock.start(1000);
     clock.pause(2000);
@@ -55,8 +53,7 @@ TEST(RecordingClockTest, SegmentsSplitABlockAtStartAndPauses)
     EXPECT_EQ(tail[0].lengthUs, 200);
 }
 
-TEST(FrameGridTest, JitteredFramesTakeConsecutiveSlotsAndBurstsAreDropped)
-{
+TEST(FrameGridTest, JitteredFramesTakeConsecutiveSlotsAndBurstsAreDropped) {
     FrameGrid grid(24, 1);
     const std::int64_t period = 1000000 / 24;
     // Frames arriving half a period off the grid, with jitter either way.
@@ -74,8 +71,7 @@ TEST(FrameGridTest, JitteredFramesTakeConsecutiveSlotsAndBurstsAreDropped)
     EXPECT_EQ(grid.lastSlot(), last + 3); // slots 6 and 7 left as a gap
 }
 
-TEST(AudioTimelineTest, AnchorsOnStampsAndIgnoresSmallJitter)
-{
+TEST(AudioTimelineTest, AnchorsOnStampsAndIgnoresSmallJitter) {
     AudioTimeline timeline(10000, 60000);
     // First block 50 ms late: 500 samples of silence in front.
     auto p = timeline.place(50000, 200);
@@ -96,16 +92,14 @@ TEST(AudioTimelineTest, AnchorsOnStampsAndIgnoresSmallJitter)
     EXPECT_EQ(p.silence, 2000);
 }
 
-RecorderSettings settings(int format)
-{
+RecorderSettings settings(int format) {
     RecorderSettings s;
     s.outputFile = QStringLiteral("/tmp/x");
     s.format = format;
     return s;
 }
 
-TEST(FormatPlannerTest, AviFitsMicrosoftVideo1AndKeepsPcmAt11025Mono)
-{
+TEST(FormatPlannerTest, AviFitsMicrosoftVideo1AndKeepsPcmAt11025Mono) {
     RecordingPlan plan;
     RecorderSettings s = settings(0);
     s.aviWidth = 562;
@@ -133,8 +127,7 @@ TEST(FormatPlannerTest, AviFitsMicrosoftVideo1AndKeepsPcmAt11025Mono)
     EXPECT_EQ(plan.audio.bitRate, 128000);
 }
 
-TEST(FormatPlannerTest, FlashFormatsTakeMp3At44100AndRefuseBadBitrates)
-{
+TEST(FormatPlannerTest, FlashFormatsTakeMp3At44100AndRefuseBadBitrates) {
     RecordingPlan plan;
     RecorderSettings s = settings(3);
     ASSERT_FALSE(FormatPlanner::plan(s, 800, 600, plan));
@@ -155,8 +148,7 @@ TEST(FormatPlannerTest, FlashFormatsTakeMp3At44100AndRefuseBadBitrates)
     EXPECT_EQ(plan.muxer, "swf");
 }
 
-TEST(FormatPlannerTest, RefusesSettingsThatCannotWork)
-{
+TEST(FormatPlannerTest, RefusesSettingsThatCannotWork) {
     RecordingPlan plan;
     RecorderSettings s = settings(0);
     s.frameRate = 0;
@@ -174,8 +166,7 @@ TEST(FormatPlannerTest, RefusesSettingsThatCannotWork)
     EXPECT_EQ(FormatPlanner::plan(s, 800, 600, plan).code, RecorderError::BadSetting);
 }
 
-TEST(FormatPlannerTest, Mp4AndMatroskaAreH264AacAndLiveSafe)
-{
+TEST(FormatPlannerTest, Mp4AndMatroskaAreH264AacAndLiveSafe) {
     RecordingPlan plan;
     RecorderSettings s = settings(4);
     ASSERT_FALSE(FormatPlanner::plan(s, 1279, 719, plan));
@@ -192,8 +183,7 @@ TEST(FormatPlannerTest, Mp4AndMatroskaAreH264AacAndLiveSafe)
     EXPECT_EQ(FormatPlanner::formatForFile(QStringLiteral("a.txt")), -1);
 }
 
-TEST(WmvProfileTest, ShippedProfilesParseAndDriveTheWmvPlan)
-{
+TEST(WmvProfileTest, ShippedProfilesParseAndDriveTheWmvPlan) {
     const QString dir = QStringLiteral(MIRABEND_PROFILE_DIR "/");
     for (const char* name : {"320x240.prx", "640x480S.prx", "640x480W.prx", "640x480V.prx", "640x480I.prx",
                              "800x600.prx", "1024x768.prx", "1280x1024.prx"}) {
@@ -214,8 +204,7 @@ TEST(WmvProfileTest, ShippedProfilesParseAndDriveTheWmvPlan)
     EXPECT_EQ(plan.audio.encoder, "wmav2");
 }
 
-TEST(WmvProfileTest, RoundTripAndBrokenFiles)
-{
+TEST(WmvProfileTest, RoundTripAndBrokenFiles) {
     QTemporaryDir dir;
     WmvProfile p;
     p.name = QStringLiteral("Test <profile>");
@@ -248,8 +237,7 @@ TEST(WmvProfileTest, RoundTripAndBrokenFiles)
     EXPECT_TRUE(error.contains(QStringLiteral("not usable")));
 }
 
-TEST(CompressorListTest, OffersTheDesignedNamesWithExactLookup)
-{
+TEST(CompressorListTest, OffersTheDesignedNamesWithExactLookup) {
     const CompressorList video(CompressorCatalog::videoNames());
     const CompressorList audio(CompressorCatalog::audioNames());
     EXPECT_EQ(video.FindByName(QStringLiteral("Microsoft Video 1")), 0);

@@ -8,8 +8,7 @@
 
 namespace mirabend::test {
 
-PulseServer::PulseServer()
-{
+PulseServer::PulseServer() {
     if (!haveProgram("pulseaudio") || m_folder.path().empty())
         return;
     const std::string run = m_folder.file("run");
@@ -20,8 +19,8 @@ PulseServer::PulseServer()
     if (const char* previous = getenv("PULSE_SERVER"))
         m_previousServer = previous;
     m_process.start({"pulseaudio", "--daemonize=no", "--exit-idle-time=-1", "-n", "-L",
-                     "module-native-protocol-unix auth-anonymous=1", "-L", "module-null-sink sink_name=rec", "-L",
-                     "module-sine-source source_name=mic"},
+                     "module-native-protocol-unix auth-anonymous=1", "-L", "module-null-sink sink_name=rec",
+                     "-L", "module-sine-source source_name=mic"},
                     {"PULSE_RUNTIME_PATH=" + run, "XDG_RUNTIME_DIR=" + run, "HOME=" + home,
                      "PULSE_SERVER=unix:" + m_socket,
                      // No session bus: the server would claim org.PulseAudio1
@@ -40,8 +39,7 @@ PulseServer::PulseServer()
     }
 }
 
-PulseServer::~PulseServer()
-{
+PulseServer::~PulseServer() {
     m_process.stop();
     if (m_previousServer.empty())
         unsetenv("PULSE_SERVER");
@@ -49,8 +47,7 @@ PulseServer::~PulseServer()
         setenv("PULSE_SERVER", m_previousServer.c_str(), 1);
 }
 
-std::string PulseServer::pactl(const std::string& arguments) const
-{
+std::string PulseServer::pactl(const std::string& arguments) const {
     const std::string command = "PULSE_SERVER=unix:" + m_socket + " pactl " + arguments + " 2>/dev/null";
     std::string out;
     if (FILE* pipe = popen(command.c_str(), "r")) {

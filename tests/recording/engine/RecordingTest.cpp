@@ -7,12 +7,12 @@
 
 #include <QCoreApplication>
 #include <QWidget>
-#include <cstring>
-#include <sys/stat.h>
 #include <chrono>
 #include <csignal>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 
@@ -25,25 +25,21 @@ using test::probe;
 class RecordingTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { s_pulse = new test::PulseServer; }
-    static void TearDownTestSuite()
-    {
+    static void TearDownTestSuite() {
         delete s_pulse;
         s_pulse = nullptr;
     }
-    void SetUp() override
-    {
+    void SetUp() override {
         ASSERT_TRUE(s_pulse->ok()) << "PulseAudio could not be started";
         ASSERT_FALSE(m_folder.path().empty());
     }
 
     // Records for `seconds` of recording time (pauses not counted).
-    static void recordFor(Screen2Video& r, double seconds)
-    {
+    static void recordFor(Screen2Video& r, double seconds) {
         while (r.IsCapturing() && r.Counters().secondsRecorded < seconds)
             std::this_thread::sleep_for(20ms);
     }
-    static std::vector<RecorderFailure> failuresOf(Screen2Video& r, RecorderError code)
-    {
+    static std::vector<RecorderFailure> failuresOf(Screen2Video& r, RecorderError code) {
         std::vector<RecorderFailure> out;
         for (const RecorderFailure& f : r.TakeFailures()) {
             if (f.code == code)
@@ -68,12 +64,14 @@ struct FormatCase {
     int height;
 };
 
-TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound)
-{
+TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound) {
     const FormatCase cases[] = {
-        {0, "avi", "msvideo1", "pcm_s16le", 320, 240}, {1, "wmv", "wmv2", "wmav2", 0, 0},
-        {2, "swf", "flv1", "mp3", 320, 240},           {3, "flv", "flv1", "mp3", 322, 242},
-        {4, "mp4", "h264", "aac", 0, 0},               {5, "mkv", "h264", "aac", 0, 0},
+        {0, "avi", "msvideo1", "pcm_s16le", 320, 240},
+        {1, "wmv", "wmv2", "wmav2", 0, 0},
+        {2, "swf", "flv1", "mp3", 320, 240},
+        {3, "flv", "flv1", "mp3", 322, 242},
+        {4, "mp4", "h264", "aac", 0, 0},
+        {5, "mkv", "h264", "aac", 0, 0},
     };
     for (const FormatCase& c : cases) {
         SCOPED_TRACE(c.extension);
@@ -107,8 +105,7 @@ TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound)
     }
 }
 
-TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep)
-{
+TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep) {
     Screen2Video r;
     const std::string file = m_folder.file("paused.mkv");
     r.OutputFileName(QString::fromStdString(file));
@@ -135,8 +132,7 @@ TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep)
     EXPECT_LE(counters.framesDuplicated, 2u) << "a pause must not be filled with frozen frames";
 }
 
-TEST_F(RecordingTest, OverlaysAreDrawnOntoTheRecordedFrames)
-{
+TEST_F(RecordingTest, OverlaysAreDrawnOntoTheRecordedFrames) {
     Screen2Video r;
     const std::string file = m_folder.file("stamped.mkv");
     r.OutputFileName(QString::fromStdString(file));
@@ -157,8 +153,7 @@ TEST_F(RecordingTest, OverlaysAreDrawnOntoTheRecordedFrames)
     EXPECT_LT(test::brightestLuma(file, 0, 0, 320, 100), 40);
 }
 
-TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart)
-{
+TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart) {
     Screen2Video r;
     const std::string file = m_folder.file("never.flv");
     r.OutputFileName(QString::fromStdString(file));
@@ -179,8 +174,7 @@ TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart)
     EXPECT_EQ(r.LastFailure().code, RecorderError::BadSetting);
 }
 
-TEST_F(RecordingTest, ARecordedWindowThatClosesFinishesTheFile)
-{
+TEST_F(RecordingTest, ARecordedWindowThatClosesFinishesTheFile) {
     auto window = std::make_unique<QWidget>();
     window->resize(200, 150);
     window->show();
@@ -213,8 +207,7 @@ TEST_F(RecordingTest, ARecordedWindowThatClosesFinishesTheFile)
     EXPECT_GE(info.videoPackets, 8);
 }
 
-TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows)
-{
+TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows) {
     // A sound server of its own, stopped mid-recording (a source merely
     // unloaded is moved to the default source by the server itself).
     auto server = std::make_unique<test::PulseServer>();
@@ -239,8 +232,7 @@ TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows)
     EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.3);
 }
 
-TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile)
-{
+TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile) {
     const std::string mountPoint = m_folder.file("small");
     mkdir(mountPoint.c_str(), 0700);
     if (mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=64k") != 0)
@@ -266,14 +258,13 @@ TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile)
     umount(mountPoint.c_str());
 }
 
-TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled)
-{
+TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled) {
     for (const char* extension : {"mp4", "mkv"}) {
         SCOPED_TRACE(extension);
         const std::string file = m_folder.file(std::string("killed.") + extension);
         test::ChildProcess recorder;
-        ASSERT_TRUE(recorder.start({driver(), "--record-screen", file, "--seconds", "30", "--region", "0,0,320,240",
-                                    "--fps", "10"}));
+        ASSERT_TRUE(recorder.start({driver(), "--record-screen", file, "--seconds", "30", "--region",
+                                    "0,0,320,240", "--fps", "10"}));
         std::this_thread::sleep_for(3s);
         kill(recorder.pid(), SIGKILL);
         recorder.stop();
@@ -284,8 +275,7 @@ TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled)
     }
 }
 
-TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm)
-{
+TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm) {
     const std::string file = m_folder.file("term.avi");
     test::ChildProcess recorder;
     ASSERT_TRUE(recorder.start({driver(), "--record-screen", file, "--no-audio", "--fps", "10"}, {},
@@ -304,8 +294,9 @@ TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm)
 
     // A refused setting exits non-zero with a message.
     test::ChildProcess refused;
-    ASSERT_TRUE(refused.start({driver(), "--record-screen", m_folder.file("x.flv"), "--video-bitrate", "lots"}, {},
-                              m_folder.file("refused.log")));
+    ASSERT_TRUE(
+        refused.start({driver(), "--record-screen", m_folder.file("x.flv"), "--video-bitrate", "lots"}, {},
+                      m_folder.file("refused.log")));
     for (int i = 0; i < 500 && waitpid(refused.pid(), &status, WNOHANG) == 0; ++i)
         std::this_thread::sleep_for(10ms);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) != 0);
