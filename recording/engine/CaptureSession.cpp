@@ -65,7 +65,15 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan) {
         screenOptions.push_back({"grab_y", std::to_string(target.region.top)});
     }
     std::string error;
-    if (!m_screen.open("x11grab", display, screenOptions, error))
+    // The X server now and then refuses a connection right after another
+    // client went away; a second try a moment later gets through.
+    bool opened = false;
+    for (int attempt = 0; attempt < 3 && !opened; ++attempt) {
+        if (attempt)
+            std::this_thread::sleep_for(std::chrono::milliseconds(150));
+        opened = m_screen.open("x11grab", display, screenOptions, error);
+    }
+    if (!opened)
         return {target.window ? RecorderError::WindowNotFound : RecorderError::DisplayUnavailable, error};
     const AVCodecParameters* screen = m_screen.parameters();
     m_screenWidth = screen->width;
