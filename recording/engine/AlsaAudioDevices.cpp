@@ -60,6 +60,16 @@ std::unique_ptr<AudioDeviceCatalog> makeAlsaCatalog() {
                 devices.push_back(std::move(device));
         }
     }
+    // The system default comes first even where the hints leave it out.
+    if (devices.empty() || devices.front().id != "default") {
+        AudioDeviceInfo device;
+        device.backend = "alsa";
+        device.id = "default";
+        device.name = QStringLiteral("Default ALSA capture device");
+        device.pins << QStringLiteral("Capture");
+        device.pinIds.push_back("Capture");
+        devices.insert(devices.begin(), std::move(device));
+    }
     for (std::size_t i = 0; i < devices.size(); ++i) {
         for (std::size_t j = 0; j < i; ++j) {
             if (devices[j].name == devices[i].name) {

@@ -1,5 +1,7 @@
 #include "recording/engine/MuxWriter.h"
 
+#include <cstdio>
+
 namespace mirabend {
 
 MuxWriter::~MuxWriter() {
@@ -51,9 +53,14 @@ RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext*
         options.set("flush_packets", "1");
     }
     ret = avformat_write_header(m_context.get(), options.slot());
-    if (ret < 0)
+    if (ret < 0) {
+        // Leave no empty file behind for a recording that never started.
+        avio_closep(&m_context->pb);
+        m_fileOpen = false;
+        std::remove(plan.file.c_str());
         return {RecorderError::OutputOpenFailed,
                 "cannot write the " + plan.muxer + " header: " + avErrorText(ret)};
+    }
     m_headerWritten = true;
     return {};
 }

@@ -153,6 +153,59 @@ TEST_F(RecordingTest, OverlaysAreDrawnOntoTheRecordedFrames) {
     EXPECT_LT(test::brightestLuma(file, 0, 0, 320, 100), 40);
 }
 
+TEST_F(RecordingTest, AWarmUpOfOneTickStillClosesAValidFile)
+{
+    // The options window's warm-up stops the recording one 50 ms tick after
+    // starting it; hardware acceleration is not asked there, but asking for
+    // it where there is none must fall back to software and say so.
+    Screen2Video r;
+    const std::string file = m_folder.file("pretemp.mp4");
+    r.OutputFileName(QString::fromStdString(file));
+    r.OutputFormat(4);
+    r.HardwareAcceleration(true);
+    r.ZoomRectangle(0, 0, 320, 240);
+    ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+    std::this_thread::sleep_for(50ms);
+    r.StopCapture();
+    EXPECT_FALSE(r.IsCapturing());
+    if (!r.HardwareAccelerationInUse()) {
+        EXPECT_TRUE(r.VideoEncoderInUse().startsWith(QStringLiteral("libx264")))
+            << r.VideoEncoderInUse().toStdString();
+    }
+    const test::MediaInfo info = probe(file);
+    EXPECT_TRUE(info.opened);
+    EXPECT_EQ(info.videoCodec, "h264");
+    // Stopping twice, pausing after the stop and starting again are harmless.
+    r.StopCapture();
+    r.PauseCapture();
+    ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+    EXPECT_FALSE(r.IsPaused());
+    r.StopCapture();
+}
+
+TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithoutSound)
+{
+    // Point the sound clients at a server that does not exist: the device
+    // list falls back to ALSA, whose default device leads nowhere here.
+    const std::string saved = getenv("PULSE_SERVER") ? getenv("PULSE_SERVER") : "";
+    setenv("PULSE_SERVER", ("unix:" + m_folder.file("no-server")).c_str(), 1);
+    Screen2Video r;
+    const std::string file = m_folder.file("mute.avi");
+    r.OutputFileName(QString::fromStdString(file));
+    r.FrameRate(10);
+    const bool started = r.StartCapture();
+    setenv("PULSE_SERVER", saved.c_str(), 1);
+    ASSERT_TRUE(started) << r.LastFailure().detail;
+    recordFor(r, 1.0);
+    r.StopCapture();
+    EXPECT_EQ(failuresOf(r, RecorderError::AudioDeviceUnavailable).size(), 1u);
+    const test::MediaInfo info = probe(file);
+    ASSERT_TRUE(info.opened);
+    EXPECT_EQ(info.videoCodec, "msvideo1");
+    EXPECT_TRUE(info.audioCodec.empty());
+    EXPECT_NEAR(double(info.videoPackets), 10, 2);
+}
+
 TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart) {
     Screen2Video r;
     const std::string file = m_folder.file("never.flv");
