@@ -20,7 +20,8 @@ struct Ends {
     double audio = 0;
 };
 
-Ends streamEnds(const char* file) {
+Ends streamEnds(const char* file)
+{
     Ends ends;
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, file, nullptr, nullptr) < 0)
@@ -40,14 +41,16 @@ Ends streamEnds(const char* file) {
     return ends;
 }
 
-void waitRecorded(mirabend::Screen2Video& r, double seconds) {
+void waitRecorded(mirabend::Screen2Video& r, double seconds)
+{
     while (r.IsCapturing() && r.Counters().secondsRecorded < seconds)
         std::this_thread::sleep_for(10ms);
 }
 
 } // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv)
+{
     if (argc < 2) {
         std::fprintf(stderr, "usage: pause_sync_bench FILE.mkv [cycles] [fps]\n");
         return 2;

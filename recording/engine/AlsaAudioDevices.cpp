@@ -20,7 +20,9 @@ using CText = std::unique_ptr<char, FreeDeleter>;
 class AlsaCatalog final : public AudioDeviceCatalog {
 public:
     explicit AlsaCatalog(std::vector<AudioDeviceInfo> devices)
-        : m_devices(std::move(devices)) {}
+        : m_devices(std::move(devices))
+    {
+    }
     const std::vector<AudioDeviceInfo>& devices() const override { return m_devices; }
     // ALSA devices offer one input each; the mixer's capture switches are
     // the sound card's business.
@@ -32,7 +34,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<AudioDeviceCatalog> makeAlsaCatalog() {
+std::unique_ptr<AudioDeviceCatalog> makeAlsaCatalog()
+{
     std::vector<AudioDeviceInfo> devices;
     void** raw = nullptr;
     if (snd_device_name_hint(-1, "pcm", &raw) == 0 && raw) {
@@ -81,7 +84,8 @@ std::unique_ptr<AudioDeviceCatalog> makeAlsaCatalog() {
     return std::make_unique<AlsaCatalog>(std::move(devices));
 }
 
-std::unique_ptr<AudioDeviceCatalog> AudioDeviceCatalog::discover() {
+std::unique_ptr<AudioDeviceCatalog> AudioDeviceCatalog::discover()
+{
     if (auto pulse = makePulseAudioCatalog())
         return pulse;
     return makeAlsaCatalog();

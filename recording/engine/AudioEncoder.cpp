@@ -10,7 +10,8 @@ extern "C" {
 namespace mirabend {
 
 RecorderFailure AudioEncoder::open(const AudioTarget& target, int inputRate, int inputChannels,
-                                   bool globalHeader) {
+                                   bool globalHeader)
+{
     const AVCodec* codec = avcodec_find_encoder_by_name(target.encoder.c_str());
     if (!codec)
         return {RecorderError::EncoderUnavailable, "this FFmpeg has no " + target.encoder + " encoder"};
@@ -61,7 +62,8 @@ RecorderFailure AudioEncoder::open(const AudioTarget& target, int inputRate, int
     return {};
 }
 
-int AudioEncoder::write(const std::int16_t* samples, std::int64_t count, const Sink& sink) {
+int AudioEncoder::write(const std::int16_t* samples, std::int64_t count, const Sink& sink)
+{
     while (count > 0) {
         const int chunk = int(std::min<std::int64_t>(count, 8192));
         if (!samples && m_silence.size() < std::size_t(chunk * m_inputChannels))
@@ -93,7 +95,8 @@ int AudioEncoder::write(const std::int16_t* samples, std::int64_t count, const S
     return 0;
 }
 
-int AudioEncoder::encodeFrames(bool all, const Sink& sink) {
+int AudioEncoder::encodeFrames(bool all, const Sink& sink)
+{
     const bool variable = m_codec->codec->capabilities & AV_CODEC_CAP_VARIABLE_FRAME_SIZE;
     while (av_audio_fifo_size(m_fifo.get()) >= m_frameSize || (all && av_audio_fifo_size(m_fifo.get()) > 0)) {
         const int available = std::min(av_audio_fifo_size(m_fifo.get()), m_frameSize);
@@ -121,7 +124,8 @@ int AudioEncoder::encodeFrames(bool all, const Sink& sink) {
     return 0;
 }
 
-int AudioEncoder::send(const AVFrame* frame, const Sink& sink) {
+int AudioEncoder::send(const AVFrame* frame, const Sink& sink)
+{
     int ret = avcodec_send_frame(m_codec.get(), frame);
     if (ret < 0 && ret != AVERROR_EOF)
         return ret;
@@ -138,7 +142,8 @@ int AudioEncoder::send(const AVFrame* frame, const Sink& sink) {
     }
 }
 
-int AudioEncoder::finish(const Sink& sink) {
+int AudioEncoder::finish(const Sink& sink)
+{
     if (!m_codec)
         return 0;
     // What the resampler still holds.

@@ -23,7 +23,8 @@ constexpr std::int64_t kAudioToleranceUs = 60000;
 // How long a stop waits for sound the server has not delivered yet.
 constexpr std::int64_t kAudioGraceUs = 2500000;
 
-std::string displayName(const std::string& display) {
+std::string displayName(const std::string& display)
+{
     if (!display.empty())
         return display;
     const char* env = std::getenv("DISPLAY");
@@ -37,17 +38,22 @@ CaptureSession::CaptureSession(std::shared_ptr<OverlayBoard> overlay, std::share
     , m_failures(std::move(failures))
     , m_videoQueue(kVideoQueueFrames)
     , m_audioQueue(kAudioQueueBlocks)
-    , m_muxQueue(kMuxQueuePackets) {}
+    , m_muxQueue(kMuxQueuePackets)
+{
+}
 
-CaptureSession::~CaptureSession() {
+CaptureSession::~CaptureSession()
+{
     stop();
 }
 
-void CaptureSession::fail(RecorderError code, const std::string& detail) {
+void CaptureSession::fail(RecorderError code, const std::string& detail)
+{
     m_failures->add({code, detail});
 }
 
-RecorderFailure CaptureSession::start(const RecordingPlan& plan) {
+RecorderFailure CaptureSession::start(const RecordingPlan& plan)
+{
     m_plan = plan;
     const CaptureTarget& target = plan.capture;
     const std::string display = displayName(target.display);
@@ -110,10 +116,14 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan) {
     if (RecorderFailure f = m_videoEncoder.open(plan, m_screenWidth, m_screenHeight, globalHeader))
         return f;
     if (m_haveAudio) {
+        // An audio encoder that refuses costs the sound, not the recording.
         const AVCodecParameters* p = m_sound.parameters();
         if (RecorderFailure f =
-                m_audioEncoder.open(plan.audio, p->sample_rate, p->ch_layout.nb_channels, globalHeader))
-            return f;
+                m_audioEncoder.open(plan.audio, p->sample_rate, p->ch_layout.nb_channels, globalHeader)) {
+            fail(f.code, f.detail + "; recording without sound");
+            m_haveAudio = false;
+            m_sound.close();
+        }
     }
     if (RecorderFailure f =
             m_mux.open(plan, m_videoEncoder.context(), m_haveAudio ? m_audioEncoder.context() : nullptr))
@@ -133,21 +143,25 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan) {
     return {};
 }
 
-void CaptureSession::endNow() {
+void CaptureSession::endNow()
+{
     std::int64_t none = 0;
     if (m_endStamp.compare_exchange_strong(none, av_gettime()))
         m_clock.pause(m_endStamp); // nothing after the end is recorded
     m_ending = true;
 }
 
-void CaptureSession::pause() {
+void CaptureSession::pause()
+{
     m_clock.pause(av_gettime());
 }
-void CaptureSession::resume() {
+void CaptureSession::resume()
+{
     m_clock.resume(av_gettime());
 }
 
-void CaptureSession::stop() {
+void CaptureSession::stop()
+{
     if (!m_started)
         return;
     endNow();
@@ -158,7 +172,8 @@ void CaptureSession::stop() {
     m_started = false;
 }
 
-RecorderCounters CaptureSession::counters() const {
+RecorderCounters CaptureSession::counters() const
+{
     RecorderCounters c;
     c.framesCaptured = m_framesCaptured;
     c.framesWritten = m_framesWritten;
@@ -174,7 +189,8 @@ RecorderCounters CaptureSession::counters() const {
 
 // ---- capture ----------------------------------------------------------------
 
-void CaptureSession::videoCaptureLoop() {
+void CaptureSession::videoCaptureLoop()
+{
     FrameGrid grid(m_plan.fpsNum, m_plan.fpsDen);
     const bool canPaint = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
     int epoch = 0;
@@ -229,7 +245,8 @@ void CaptureSession::videoCaptureLoop() {
     m_videoQueue.close();
 }
 
-void CaptureSession::audioCaptureLoop() {
+void CaptureSession::audioCaptureLoop()
+{
     const int channels = m_audioEncoder.inputChannels();
     const int rate = m_audioEncoder.inputRate();
     bool lost = false;
@@ -298,7 +315,8 @@ void CaptureSession::audioCaptureLoop() {
 
 // ---- encode -----------------------------------------------------------------
 
-void CaptureSession::pushToMux(PacketPtr packet, int stream) {
+void CaptureSession::pushToMux(PacketPtr packet, int stream)
+{
     // The encoders may wait here: the writer is behind, and a full video
     // queue in front of them turns that into counted drops at capture.
     while (!m_writeFailed) {
@@ -311,12 +329,14 @@ void CaptureSession::pushToMux(PacketPtr packet, int stream) {
     }
 }
 
-void CaptureSession::producerDone() {
+void CaptureSession::producerDone()
+{
     if (--m_muxProducers == 0)
         m_muxQueue.close();
 }
 
-void CaptureSession::videoEncodeLoop() {
+void CaptureSession::videoEncodeLoop()
+{
     const auto sink = [&](PacketPtr p) {
         pushToMux(std::move(p), 0);
     };
@@ -364,7 +384,8 @@ void CaptureSession::videoEncodeLoop() {
     producerDone();
 }
 
-void CaptureSession::audioEncodeLoop() {
+void CaptureSession::audioEncodeLoop()
+{
     const auto sink = [&](PacketPtr p) {
         pushToMux(std::move(p), 1);
     };
@@ -404,7 +425,8 @@ void CaptureSession::audioEncodeLoop() {
 
 // ---- mux ----------------------------------------------------------------------
 
-void CaptureSession::muxLoop() {
+void CaptureSession::muxLoop()
+{
     const AVRational timeBases[2] = {m_videoEncoder.context()->time_base,
                                      m_haveAudio ? m_audioEncoder.context()->time_base : AVRational{1, 1}};
     while (std::optional<MuxItem> item = m_muxQueue.pop()) {

@@ -30,7 +30,8 @@ const Entry kAudio[] = {
 };
 
 template <std::size_t N>
-QStringList namesOf(const Entry (&table)[N]) {
+QStringList namesOf(const Entry (&table)[N])
+{
     QStringList names;
     for (const Entry& e : table) {
         if (CompressorCatalog::haveEncoder(e.encoder))
@@ -40,7 +41,8 @@ QStringList namesOf(const Entry (&table)[N]) {
 }
 
 template <std::size_t N>
-std::string encoderOf(const Entry (&table)[N], const QString& name) {
+std::string encoderOf(const Entry (&table)[N], const QString& name)
+{
     for (const Entry& e : table) {
         if (name == QLatin1String(e.name))
             return e.encoder;
@@ -50,24 +52,30 @@ std::string encoderOf(const Entry (&table)[N], const QString& name) {
 
 } // namespace
 
-bool CompressorCatalog::haveEncoder(const std::string& encoder) {
+bool CompressorCatalog::haveEncoder(const std::string& encoder)
+{
     return !encoder.empty() && avcodec_find_encoder_by_name(encoder.c_str()) != nullptr;
 }
 
-QStringList CompressorCatalog::videoNames() {
+QStringList CompressorCatalog::videoNames()
+{
     return namesOf(kVideo);
 }
-QStringList CompressorCatalog::audioNames() {
+QStringList CompressorCatalog::audioNames()
+{
     return namesOf(kAudio);
 }
-std::string CompressorCatalog::videoEncoder(const QString& name) {
+std::string CompressorCatalog::videoEncoder(const QString& name)
+{
     return encoderOf(kVideo, name);
 }
-std::string CompressorCatalog::audioEncoder(const QString& name) {
+std::string CompressorCatalog::audioEncoder(const QString& name)
+{
     return encoderOf(kAudio, name);
 }
 
-VideoCodecLimits CompressorCatalog::limits(const std::string& encoder) {
+VideoCodecLimits CompressorCatalog::limits(const std::string& encoder)
+{
     // msvideo1 codes 4x4 blocks of 15-bit colour; the others are 4:2:0
     // codecs that need even sizes.
     if (encoder == "msvideo1")
@@ -77,7 +85,8 @@ VideoCodecLimits CompressorCatalog::limits(const std::string& encoder) {
     return {"yuv420p", 2};
 }
 
-int CompressorCatalog::supportedSampleRate(const std::string& encoder, int wanted) {
+int CompressorCatalog::supportedSampleRate(const std::string& encoder, int wanted)
+{
     const AVCodec* codec = avcodec_find_encoder_by_name(encoder.c_str());
     if (!codec || !codec->supported_samplerates)
         return wanted;

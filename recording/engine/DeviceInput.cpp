@@ -12,7 +12,8 @@ namespace mirabend {
 
 namespace {
 
-void registerDevices() {
+void registerDevices()
+{
     static std::once_flag once;
     std::call_once(once, [] { avdevice_register_all(); });
 }
@@ -25,7 +26,8 @@ struct ReplyDeleter {
 };
 using Connection = std::unique_ptr<xcb_connection_t, ConnectionDeleter>;
 
-Connection connect(const std::string& display, int& screenNumber) {
+Connection connect(const std::string& display, int& screenNumber)
+{
     Connection c(xcb_connect(display.empty() ? nullptr : display.c_str(), &screenNumber));
     if (c && xcb_connection_has_error(c.get()))
         return nullptr;
@@ -34,12 +36,13 @@ Connection connect(const std::string& display, int& screenNumber) {
 
 } // namespace
 
-int DeviceInput::onInterrupt(void* self) {
+int DeviceInput::onInterrupt(void* self)
+{
     return static_cast<DeviceInput*>(self)->m_interrupted ? 1 : 0;
 }
 
-bool DeviceInput::open(const char* format, const std::string& url, const Options& options,
-                       std::string& error) {
+bool DeviceInput::open(const char* format, const std::string& url, const Options& options, std::string& error)
+{
     registerDevices();
     const AVInputFormat* input = av_find_input_format(format);
     if (!input) {
@@ -71,24 +74,28 @@ bool DeviceInput::open(const char* format, const std::string& url, const Options
     return true;
 }
 
-int DeviceInput::read(AVPacket* packet) {
+int DeviceInput::read(AVPacket* packet)
+{
     if (!m_context)
         return AVERROR(EINVAL);
     return av_read_frame(m_context.get(), packet);
 }
 
-const AVCodecParameters* DeviceInput::parameters() const {
+const AVCodecParameters* DeviceInput::parameters() const
+{
     return m_context ? m_context->streams[0]->codecpar : nullptr;
 }
 
-std::int64_t DeviceInput::stampOf(const AVPacket* packet) const {
+std::int64_t DeviceInput::stampOf(const AVPacket* packet) const
+{
     const std::int64_t pts = packet->pts != AV_NOPTS_VALUE ? packet->pts : packet->dts;
     if (pts == AV_NOPTS_VALUE || !m_context)
         return av_gettime();
     return av_rescale_q(pts, m_context->streams[0]->time_base, AVRational{1, 1000000});
 }
 
-bool X11Geometry::screenSize(const std::string& display, int& width, int& height) {
+bool X11Geometry::screenSize(const std::string& display, int& width, int& height)
+{
     int number = 0;
     Connection c = connect(display, number);
     if (!c)
@@ -103,7 +110,8 @@ bool X11Geometry::screenSize(const std::string& display, int& width, int& height
     return true;
 }
 
-bool X11Geometry::windowSize(const std::string& display, std::uint32_t window, int& width, int& height) {
+bool X11Geometry::windowSize(const std::string& display, std::uint32_t window, int& width, int& height)
+{
     int number = 0;
     Connection c = connect(display, number);
     if (!c)

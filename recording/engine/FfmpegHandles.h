@@ -79,15 +79,18 @@ private:
     AVDictionary* m_dict = nullptr;
 };
 
-inline FramePtr makeFrame() {
+inline FramePtr makeFrame()
+{
     return FramePtr(av_frame_alloc());
 }
-inline PacketPtr makePacket() {
+inline PacketPtr makePacket()
+{
     return PacketPtr(av_packet_alloc());
 }
 
 // FFmpeg's text for an error code.
-inline std::string avErrorText(int err) {
+inline std::string avErrorText(int err)
+{
     char text[AV_ERROR_MAX_STRING_SIZE] = {};
     av_strerror(err, text, sizeof text);
     return text;

@@ -16,13 +16,15 @@ namespace {
 
 constexpr int kMaxSide = 8192;
 
-RecorderFailure bad(const QString& what) {
+RecorderFailure bad(const QString& what)
+{
     return {RecorderError::BadSetting, what.toStdString()};
 }
 
 // Bitrate in bit/s from the AVI field, which the options window gives in
 // kbit/s ("128"); a value of 1000 or more is taken as bit/s already.
-std::int64_t aviBitrate(double value) {
+std::int64_t aviBitrate(double value)
+{
     if (value <= 0)
         return 128000;
     return value < 1000 ? std::int64_t(value * 1000) : std::int64_t(value);
@@ -30,14 +32,16 @@ std::int64_t aviBitrate(double value) {
 
 // A generous rate for the codecs that have no bitrate field (AVI MPEG-4,
 // WMV8 and Sorenson): about 0.15 bit per pixel, enough for screen content.
-std::int64_t defaultVideoBitrate(int w, int h, double fps) {
+std::int64_t defaultVideoBitrate(int w, int h, double fps)
+{
     return std::max<std::int64_t>(300000, std::int64_t(0.15 * w * h * fps));
 }
 
 // Fits a requested size to the codec: rounds down to the codec's multiple;
 // 0 stands for the captured size.
 RecorderFailure applySize(int wantW, int wantH, int captureW, int captureH, const VideoCodecLimits& limits,
-                          VideoTarget& video) {
+                          VideoTarget& video)
+{
     const int w = wantW > 0 ? wantW : captureW;
     const int h = wantH > 0 ? wantH : captureH;
     if (w < 0 || h < 0 || w > kMaxSide || h > kMaxSide)
@@ -50,7 +54,8 @@ RecorderFailure applySize(int wantW, int wantH, int captureW, int captureH, cons
     return {};
 }
 
-RecorderFailure chooseEncoder(const std::string& encoder, VideoTarget& video) {
+RecorderFailure chooseEncoder(const std::string& encoder, VideoTarget& video)
+{
     if (!CompressorCatalog::haveEncoder(encoder))
         return {RecorderError::EncoderUnavailable, "this FFmpeg has no " + encoder + " encoder"};
     video.encoder = encoder;
@@ -58,7 +63,8 @@ RecorderFailure chooseEncoder(const std::string& encoder, VideoTarget& video) {
 }
 
 RecorderFailure chooseAudio(const std::string& encoder, int rate, int channels, std::int64_t bitRate,
-                            AudioTarget& audio) {
+                            AudioTarget& audio)
+{
     if (!CompressorCatalog::haveEncoder(encoder))
         return {RecorderError::EncoderUnavailable, "this FFmpeg has no " + encoder + " encoder"};
     audio.encoder = encoder;
@@ -76,7 +82,8 @@ RecorderFailure chooseAudio(const std::string& encoder, int rate, int channels, 
 }
 
 // FLV and SWF carry MP3 at 44100, 22050 or 11025 Hz only.
-int flashMp3Rate(int wanted) {
+int flashMp3Rate(int wanted)
+{
     if (wanted >= 33000)
         return 44100;
     if (wanted >= 16000)
@@ -86,13 +93,15 @@ int flashMp3Rate(int wanted) {
 
 } // namespace
 
-int FormatPlanner::fitSize(int size, int multiple) {
+int FormatPlanner::fitSize(int size, int multiple)
+{
     if (multiple <= 1)
         return std::max(size, 1);
     return std::max(multiple, size / multiple * multiple);
 }
 
-bool FormatPlanner::parseBitrate(const QString& text, std::int64_t& bitsPerSecond) {
+bool FormatPlanner::parseBitrate(const QString& text, std::int64_t& bitsPerSecond)
+{
     bool ok = false;
     const double value = text.trimmed().toDouble(&ok);
     if (!ok || !std::isfinite(value) || value <= 0 || value > 1e9)
@@ -101,7 +110,8 @@ bool FormatPlanner::parseBitrate(const QString& text, std::int64_t& bitsPerSecon
     return bitsPerSecond > 0;
 }
 
-int FormatPlanner::formatForFile(const QString& file) {
+int FormatPlanner::formatForFile(const QString& file)
+{
     const QString ext = QFileInfo(file).suffix().toLower();
     if (ext == QLatin1String("avi"))
         return 0;
@@ -118,8 +128,8 @@ int FormatPlanner::formatForFile(const QString& file) {
     return -1;
 }
 
-RecorderFailure FormatPlanner::plan(const RecorderSettings& s, int captureW, int captureH,
-                                    RecordingPlan& out) {
+RecorderFailure FormatPlanner::plan(const RecorderSettings& s, int captureW, int captureH, RecordingPlan& out)
+{
     if (s.outputFile.trimmed().isEmpty())
         return bad(QStringLiteral("no output file name"));
     if (!std::isfinite(s.frameRate) || s.frameRate <= 0 || s.frameRate > 120)

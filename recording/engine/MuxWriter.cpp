@@ -4,17 +4,20 @@
 
 namespace mirabend {
 
-MuxWriter::~MuxWriter() {
+MuxWriter::~MuxWriter()
+{
     close();
 }
 
-bool MuxWriter::needsGlobalHeader(const std::string& muxer) {
+bool MuxWriter::needsGlobalHeader(const std::string& muxer)
+{
     const AVOutputFormat* format = av_guess_format(muxer.c_str(), nullptr, nullptr);
     return format && (format->flags & AVFMT_GLOBALHEADER);
 }
 
 RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext* video,
-                                const AVCodecContext* audio) {
+                                const AVCodecContext* audio)
+{
     AVFormatContext* raw = nullptr;
     int ret = avformat_alloc_output_context2(&raw, nullptr, plan.muxer.c_str(), plan.file.c_str());
     if (ret < 0 || !raw)
@@ -65,7 +68,8 @@ RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext*
     return {};
 }
 
-int MuxWriter::write(AVPacket* packet, int stream, AVRational codecTimeBase) {
+int MuxWriter::write(AVPacket* packet, int stream, AVRational codecTimeBase)
+{
     if (!m_headerWritten || stream < 0 || stream > 1 || !m_streams[stream])
         return AVERROR(EINVAL);
     av_packet_rescale_ts(packet, codecTimeBase, m_streams[stream]->time_base);
@@ -81,7 +85,8 @@ int MuxWriter::write(AVPacket* packet, int stream, AVRational codecTimeBase) {
     return ret;
 }
 
-int MuxWriter::close() {
+int MuxWriter::close()
+{
     int result = 0;
     if (m_headerWritten) {
         result = av_write_trailer(m_context.get());

@@ -13,7 +13,9 @@ class NamedList {
 public:
     NamedList() = default;
     explicit NamedList(QStringList names)
-        : m_names(std::move(names)) {}
+        : m_names(std::move(names))
+    {
+    }
 
     int Count() const { return static_cast<int>(m_names.size()); }
     // The name at `index`, or "" outside the list.
@@ -32,7 +34,8 @@ public:
     // Shows the settings page of a compressor. The recorder's compressors
     // are set through its properties and have no page of their own, so the
     // answer is always false.
-    bool ShowPropertyPage(int index) const {
+    bool ShowPropertyPage(int index) const
+    {
         (void)index;
         return false;
     }

@@ -16,7 +16,8 @@ namespace mirabend {
 class OverlayBoard {
 public:
     template <typename Change>
-    OverlayReport update(Change change) {
+    OverlayReport update(Change change)
+    {
         OverlaySettings copy;
         {
             std::lock_guard<std::mutex> lock(m_mutex);
@@ -25,7 +26,8 @@ public:
         }
         return m_painter.apply(copy);
     }
-    OverlaySettings snapshot() const {
+    OverlaySettings snapshot() const
+    {
         std::lock_guard<std::mutex> lock(m_mutex);
         return m_settings;
     }

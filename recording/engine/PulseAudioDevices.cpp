@@ -12,7 +12,8 @@ struct MainloopDeleter {
     void operator()(pa_mainloop* m) const { pa_mainloop_free(m); }
 };
 struct ContextDeleter {
-    void operator()(pa_context* c) const {
+    void operator()(pa_context* c) const
+    {
         pa_context_disconnect(c);
         pa_context_unref(c);
     }
@@ -26,7 +27,8 @@ struct OperationDeleter {
 class PulseConnection {
 public:
     PulseConnection()
-        : m_loop(pa_mainloop_new()) {
+        : m_loop(pa_mainloop_new())
+    {
         if (!m_loop)
             return;
         m_context.reset(pa_context_new(pa_mainloop_get_api(m_loop.get()), "Mirabend"));
@@ -47,7 +49,8 @@ public:
     bool ready() const { return m_ready; }
     pa_context* context() { return m_context.get(); }
     // Runs the loop until the operation is done.
-    bool wait(pa_operation* raw) {
+    bool wait(pa_operation* raw)
+    {
         std::unique_ptr<pa_operation, OperationDeleter> op(raw);
         if (!op)
             return false;
@@ -70,12 +73,14 @@ struct Listing {
     bool success = true;
 };
 
-void onServerInfo(pa_context*, const pa_server_info* info, void* data) {
+void onServerInfo(pa_context*, const pa_server_info* info, void* data)
+{
     if (info && info->default_source_name)
         static_cast<Listing*>(data)->defaultSource = info->default_source_name;
 }
 
-void onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* data) {
+void onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* data)
+{
     auto* listing = static_cast<Listing*>(data);
     if (eol < 0) {
         listing->success = false;
@@ -98,17 +103,21 @@ void onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* data) 
     listing->devices.push_back(std::move(device));
 }
 
-void onSuccess(pa_context*, int success, void* data) {
+void onSuccess(pa_context*, int success, void* data)
+{
     *static_cast<int*>(data) = success;
 }
 
 class PulseAudioCatalog final : public AudioDeviceCatalog {
 public:
     explicit PulseAudioCatalog(std::vector<AudioDeviceInfo> devices)
-        : m_devices(std::move(devices)) {}
+        : m_devices(std::move(devices))
+    {
+    }
     const std::vector<AudioDeviceInfo>& devices() const override { return m_devices; }
 
-    bool selectPin(const AudioDeviceInfo& device, int pin, std::string& error) override {
+    bool selectPin(const AudioDeviceInfo& device, int pin, std::string& error) override
+    {
         if (pin < 0 || pin >= int(device.pinIds.size()))
             return true; // a device without pins records from what it has
         PulseConnection pulse;
@@ -133,7 +142,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<AudioDeviceCatalog> makePulseAudioCatalog() {
+std::unique_ptr<AudioDeviceCatalog> makePulseAudioCatalog()
+{
     PulseConnection pulse;
     if (!pulse.ready())
         return nullptr;

@@ -25,11 +25,13 @@ namespace {
 
 std::atomic<bool> g_stopRequested{false};
 
-void onStopSignal(int) {
+void onStopSignal(int)
+{
     g_stopRequested = true;
 }
 
-const char* errorName(RecorderError code) {
+const char* errorName(RecorderError code)
+{
     switch (code) {
     case RecorderError::None:
         return "no error";
@@ -84,12 +86,14 @@ struct Options {
     bool listCodecs = false;
 };
 
-int usage(const char* problem) {
+int usage(const char* problem)
+{
     std::fprintf(stderr, "mirabend: %s\n%s\n%s", problem, kRecordScreenTool.synopsis, kRecordScreenTool.help);
     return 2;
 }
 
-bool parseSize(const QString& text, int& w, int& h) {
+bool parseSize(const QString& text, int& w, int& h)
+{
     const QStringList parts = text.toLower().split(QLatin1Char('x'));
     bool okW = false;
     bool okH = false;
@@ -101,7 +105,8 @@ bool parseSize(const QString& text, int& w, int& h) {
 }
 
 // Returns an empty string on success, else the problem.
-QString parse(int argc, char** argv, Options& o) {
+QString parse(int argc, char** argv, Options& o)
+{
     for (int i = 1; i < argc; ++i) {
         const QString arg = QString::fromLocal8Bit(argv[i]);
         const auto value = [&](QString& out) {
@@ -180,7 +185,8 @@ QString parse(int argc, char** argv, Options& o) {
 }
 
 // The shipped profile files live next to the executable or in the data folder.
-QString profileFile(const QString& name) {
+QString profileFile(const QString& name)
+{
     QStringList folders;
     folders << QCoreApplication::applicationDirPath()
             << QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/mirabend"));
@@ -195,7 +201,8 @@ QString profileFile(const QString& name) {
     return {};
 }
 
-void list(Screen2Video& recorder, const Options& o) {
+void list(Screen2Video& recorder, const Options& o)
+{
     if (o.listDevices) {
         std::printf("Audio devices (the first is the system default):\n");
         const NamedList& devices = recorder.AudioDevices();
@@ -226,7 +233,8 @@ void list(Screen2Video& recorder, const Options& o) {
 }
 
 // Sets up the recorder as the options window starts, then applies the options.
-QString configure(Screen2Video& r, const Options& o) {
+QString configure(Screen2Video& r, const Options& o)
+{
     r.OutputFileName(o.file);
     r.OutputFormat(o.format);
     r.FrameRate(o.fps);
@@ -329,7 +337,8 @@ QString configure(Screen2Video& r, const Options& o) {
     return {};
 }
 
-void report(const std::vector<RecorderFailure>& failures, bool& fatal) {
+void report(const std::vector<RecorderFailure>& failures, bool& fatal)
+{
     for (const RecorderFailure& f : failures) {
         std::fprintf(stderr, "mirabend: %s: %s\n", errorName(f.code), f.detail.c_str());
         if (f.code == RecorderError::WriteFailed || f.code == RecorderError::CaptureFailed)
@@ -339,7 +348,8 @@ void report(const std::vector<RecorderFailure>& failures, bool& fatal) {
 
 } // namespace
 
-int runRecordScreen(int argc, char** argv) {
+int runRecordScreen(int argc, char** argv)
+{
     Options o;
     const QString problem = parse(argc, argv, o);
     if (!problem.isEmpty())

@@ -55,22 +55,26 @@ struct RecorderCounters {
 // Failures collected from every thread; each is handed out once.
 class FailureLog {
 public:
-    void add(RecorderFailure failure) {
+    void add(RecorderFailure failure)
+    {
         std::lock_guard<std::mutex> lock(m_mutex);
         m_last = failure;
         m_pending.push_back(std::move(failure));
     }
-    std::vector<RecorderFailure> take() {
+    std::vector<RecorderFailure> take()
+    {
         std::lock_guard<std::mutex> lock(m_mutex);
         std::vector<RecorderFailure> out;
         out.swap(m_pending);
         return out;
     }
-    RecorderFailure last() const {
+    RecorderFailure last() const
+    {
         std::lock_guard<std::mutex> lock(m_mutex);
         return m_last;
     }
-    void clearLast() {
+    void clearLast()
+    {
         std::lock_guard<std::mutex> lock(m_mutex);
         m_last = {};
     }

@@ -13,7 +13,8 @@ namespace {
 
 // Parses a window handle given as decimal text (hexadecimal with 0x is
 // taken too); "" and "0" mean the screen.
-bool parseWindow(const QString& text, std::uint32_t& window) {
+bool parseWindow(const QString& text, std::uint32_t& window)
+{
     const QString t = text.trimmed();
     window = 0;
     if (t.isEmpty())
@@ -30,7 +31,8 @@ bool parseWindow(const QString& text, std::uint32_t& window) {
 
 // Colours arrive as the options window's 32-bit values: red in the low
 // byte, then green, then blue (0x00BBGGRR).
-QColor colorOf(unsigned rgb) {
+QColor colorOf(unsigned rgb)
+{
     return QColor(int(rgb & 0xff), int((rgb >> 8) & 0xff), int((rgb >> 16) & 0xff));
 }
 
@@ -41,35 +43,41 @@ Screen2Video::Screen2Video()
     , m_videoCompressors(CompressorCatalog::videoNames())
     , m_audioCompressors(CompressorCatalog::audioNames())
     , m_overlay(std::make_shared<OverlayBoard>())
-    , m_failures(std::make_shared<FailureLog>()) {
+    , m_failures(std::make_shared<FailureLog>())
+{
     m_videoCompressor = std::max(0, m_videoCompressors.FindByName(QStringLiteral("Microsoft Video 1")));
     m_audioCompressor = std::max(0, m_audioCompressors.FindByName(QStringLiteral("PCM")));
     SelectAudioDevice(0);
 }
 
-Screen2Video::~Screen2Video() {
+Screen2Video::~Screen2Video()
+{
     StopCapture();
 }
 
-int Screen2Video::ScreenWidth() const {
+int Screen2Video::ScreenWidth() const
+{
     int w = 0;
     int h = 0;
     return X11Geometry::screenSize({}, w, h) ? w : 0;
 }
 
-int Screen2Video::ScreenHeight() const {
+int Screen2Video::ScreenHeight() const
+{
     int w = 0;
     int h = 0;
     return X11Geometry::screenSize({}, w, h) ? h : 0;
 }
 
-void Screen2Video::ZoomRectangle(int left, int top, int right, int bottom) {
+void Screen2Video::ZoomRectangle(int left, int top, int right, int bottom)
+{
     m_zoom = ScreenRect{left, top, right - left, bottom - top};
 }
 
 // ---- sound ----------------------------------------------------------------
 
-void Screen2Video::SelectAudioDevice(int index) {
+void Screen2Video::SelectAudioDevice(int index)
+{
     m_audioDevice = index;
     m_pin = 0;
     const auto& devices = m_devices->devices();
@@ -89,83 +97,102 @@ void Screen2Video::SelectAudioDevice(int index) {
     m_pins = NamedList(pins);
 }
 
-void Screen2Video::RefreshAudioDevices() {
+void Screen2Video::RefreshAudioDevices()
+{
     m_devices = AudioDeviceCatalog::discover();
     SelectAudioDevice(m_audioDevice);
 }
 
-const NamedList& Screen2Video::WmvSystemProfiles() const {
+const NamedList& Screen2Video::WmvSystemProfiles() const
+{
     static const NamedList list(WmvProfiles::systemNames());
     return list;
 }
 
 // ---- overlays -------------------------------------------------------------
 
-void Screen2Video::ShowDateTime(bool on) {
+void Screen2Video::ShowDateTime(bool on)
+{
     m_overlay->update([&](OverlaySettings& s) { s.showDateTime = on; });
 }
-void Screen2Video::DateTimeLayout(int formatIndex, int left, int top) {
+void Screen2Video::DateTimeLayout(int formatIndex, int left, int top)
+{
     m_overlay->update([&](OverlaySettings& s) {
         s.dateFormat = formatIndex;
         s.dateLeft = left;
         s.dateTop = top;
     });
 }
-void Screen2Video::DateTimeColor(unsigned rgb) {
+void Screen2Video::DateTimeColor(unsigned rgb)
+{
     m_overlay->update([&](OverlaySettings& s) { s.dateColor = colorOf(rgb); });
 }
-void Screen2Video::DateTimeFontName(const QString& name) {
+void Screen2Video::DateTimeFontName(const QString& name)
+{
     m_overlay->update([&](OverlaySettings& s) { s.dateFontName = name; });
 }
-void Screen2Video::DateTimeFontSize(int size) {
+void Screen2Video::DateTimeFontSize(int size)
+{
     m_overlay->update([&](OverlaySettings& s) { s.dateFontSize = size; });
 }
-void Screen2Video::DateTimeFontStyle(int styleIndex) {
+void Screen2Video::DateTimeFontStyle(int styleIndex)
+{
     m_overlay->update([&](OverlaySettings& s) { s.dateFontStyle = styleIndex; });
 }
-void Screen2Video::ShowText(bool on) {
+void Screen2Video::ShowText(bool on)
+{
     m_overlay->update([&](OverlaySettings& s) { s.showText = on; });
 }
-void Screen2Video::Text(const QString& text, int left, int top, int) {
+void Screen2Video::Text(const QString& text, int left, int top, int)
+{
     m_overlay->update([&](OverlaySettings& s) {
         s.text = text;
         s.textLeft = left;
         s.textTop = top;
     });
 }
-void Screen2Video::TextFontName(const QString& name, int) {
+void Screen2Video::TextFontName(const QString& name, int)
+{
     m_overlay->update([&](OverlaySettings& s) { s.textFontName = name; });
 }
-void Screen2Video::TextFontSize(int size, int) {
+void Screen2Video::TextFontSize(int size, int)
+{
     m_overlay->update([&](OverlaySettings& s) { s.textFontSize = size; });
 }
-void Screen2Video::TextStyle(int styleIndex, int) {
+void Screen2Video::TextStyle(int styleIndex, int)
+{
     m_overlay->update([&](OverlaySettings& s) { s.textStyle = styleIndex; });
 }
-void Screen2Video::TextColor(unsigned rgb) {
+void Screen2Video::TextColor(unsigned rgb)
+{
     m_overlay->update([&](OverlaySettings& s) { s.textColor = colorOf(rgb); });
 }
-void Screen2Video::TextOutlineColors(unsigned border, unsigned fill) {
+void Screen2Video::TextOutlineColors(unsigned border, unsigned fill)
+{
     m_overlay->update([&](OverlaySettings& s) {
         s.outlineColor = colorOf(border);
         s.outlineFillColor = colorOf(fill);
     });
 }
-void Screen2Video::HatchBrush(unsigned foreRgb, unsigned backRgb, int hatchIndex, int) {
+void Screen2Video::HatchBrush(unsigned foreRgb, unsigned backRgb, int hatchIndex, int)
+{
     m_overlay->update([&](OverlaySettings& s) {
         s.hatchForeColor = colorOf(foreRgb);
         s.hatchBackColor = colorOf(backRgb);
         s.hatchStyle = hatchIndex;
     });
 }
-void Screen2Video::TextureImage(const QString& file, int) {
+void Screen2Video::TextureImage(const QString& file, int)
+{
     m_overlay->update([&](OverlaySettings& s) { s.textureFile = file; });
 }
-void Screen2Video::ShowImage(bool on) {
+void Screen2Video::ShowImage(bool on)
+{
     m_overlay->update([&](OverlaySettings& s) { s.showImage = on; });
 }
 void Screen2Video::Image(const QString& file, unsigned transparentRgb, int left, int top, int transparency,
-                         int) {
+                         int)
+{
     m_overlay->update([&](OverlaySettings& s) {
         s.imageFile = file;
         s.imageTransparentColor = colorOf(transparentRgb);
@@ -174,17 +201,20 @@ void Screen2Video::Image(const QString& file, unsigned transparentRgb, int left,
         s.imageTransparency = transparency;
     });
 }
-OverlaySettings Screen2Video::Overlay() const {
+OverlaySettings Screen2Video::Overlay() const
+{
     return m_overlay->snapshot();
 }
 
 // ---- recording --------------------------------------------------------------
 
-void Screen2Video::remember(const RecorderFailure& failure) {
+void Screen2Video::remember(const RecorderFailure& failure)
+{
     m_failures->add(failure);
 }
 
-RecordingPlan Screen2Video::plan(RecorderFailure& failure) const {
+RecordingPlan Screen2Video::plan(RecorderFailure& failure) const
+{
     RecordingPlan out;
     std::uint32_t window = 0;
     if (!parseWindow(m_windowHandle, window)) {
@@ -251,7 +281,8 @@ RecordingPlan Screen2Video::plan(RecorderFailure& failure) const {
     return out;
 }
 
-bool Screen2Video::StartCapture() {
+bool Screen2Video::StartCapture()
+{
     if (IsCapturing()) {
         remember({RecorderError::AlreadyCapturing, "a recording is running already"});
         return false;
@@ -303,43 +334,51 @@ bool Screen2Video::StartCapture() {
     return true;
 }
 
-void Screen2Video::StopCapture() {
+void Screen2Video::StopCapture()
+{
     std::lock_guard<std::mutex> lock(m_sessionMutex);
     if (m_session)
         m_session->stop();
 }
 
-void Screen2Video::PauseCapture() {
+void Screen2Video::PauseCapture()
+{
     std::lock_guard<std::mutex> lock(m_sessionMutex);
     if (m_session)
         m_session->pause();
 }
 
-void Screen2Video::ResumeCapture() {
+void Screen2Video::ResumeCapture()
+{
     std::lock_guard<std::mutex> lock(m_sessionMutex);
     if (m_session)
         m_session->resume();
 }
 
-bool Screen2Video::IsCapturing() const {
+bool Screen2Video::IsCapturing() const
+{
     std::lock_guard<std::mutex> lock(m_sessionMutex);
     return m_session && m_session->running();
 }
 
-bool Screen2Video::IsPaused() const {
+bool Screen2Video::IsPaused() const
+{
     std::lock_guard<std::mutex> lock(m_sessionMutex);
     return m_session && m_session->running() && m_session->paused();
 }
 
-RecorderCounters Screen2Video::Counters() const {
+RecorderCounters Screen2Video::Counters() const
+{
     std::lock_guard<std::mutex> lock(m_sessionMutex);
     return m_session ? m_session->counters() : RecorderCounters{};
 }
 
-std::vector<RecorderFailure> Screen2Video::TakeFailures() {
+std::vector<RecorderFailure> Screen2Video::TakeFailures()
+{
     return m_failures->take();
 }
-RecorderFailure Screen2Video::LastFailure() const {
+RecorderFailure Screen2Video::LastFailure() const
+{
     return m_failures->last();
 }
 

@@ -10,38 +10,44 @@ namespace {
 constexpr std::int64_t kOpen = std::numeric_limits<std::int64_t>::max();
 }
 
-void RecordingClock::start(std::int64_t now) {
+void RecordingClock::start(std::int64_t now)
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     m_start = now;
     m_started = true;
     m_pauses.clear();
 }
 
-void RecordingClock::pause(std::int64_t now) {
+void RecordingClock::pause(std::int64_t now)
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_started || (!m_pauses.empty() && m_pauses.back().end == kOpen))
         return;
     m_pauses.push_back({std::max(now, m_start), kOpen});
 }
 
-void RecordingClock::resume(std::int64_t now) {
+void RecordingClock::resume(std::int64_t now)
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     if (m_pauses.empty() || m_pauses.back().end != kOpen)
         return;
     m_pauses.back().end = std::max(now, m_pauses.back().begin);
 }
 
-bool RecordingClock::paused() const {
+bool RecordingClock::paused() const
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     return !m_pauses.empty() && m_pauses.back().end == kOpen;
 }
 
-int RecordingClock::pauseCount() const {
+int RecordingClock::pauseCount() const
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     return int(m_pauses.size());
 }
 
-std::optional<std::int64_t> RecordingClock::mediaTime(std::int64_t stamp) const {
+std::optional<std::int64_t> RecordingClock::mediaTime(std::int64_t stamp) const
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_started || stamp < m_start)
         return std::nullopt;
@@ -56,7 +62,8 @@ std::optional<std::int64_t> RecordingClock::mediaTime(std::int64_t stamp) const 
     return stamp - m_start - cut;
 }
 
-std::vector<RecordingClock::Segment> RecordingClock::segments(std::int64_t stamp, std::int64_t length) const {
+std::vector<RecordingClock::Segment> RecordingClock::segments(std::int64_t stamp, std::int64_t length) const
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     std::vector<Segment> out;
     if (!m_started || length <= 0)
@@ -78,7 +85,8 @@ std::vector<RecordingClock::Segment> RecordingClock::segments(std::int64_t stamp
     return out;
 }
 
-std::int64_t RecordingClock::mediaNow(std::int64_t now) const {
+std::int64_t RecordingClock::mediaNow(std::int64_t now) const
+{
     std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_started)
         return 0;
@@ -93,7 +101,8 @@ std::int64_t RecordingClock::mediaNow(std::int64_t now) const {
     return std::max<std::int64_t>(0, now - m_start - cut);
 }
 
-std::int64_t FrameGrid::slotOf(std::int64_t mediaUs) const {
+std::int64_t FrameGrid::slotOf(std::int64_t mediaUs) const
+{
     // Round to the nearest slot: slot = media * num / (den * 1e6). Long
     // double keeps 64 bits of mantissa, exact for any recording length.
     const long double slot =
@@ -101,11 +110,13 @@ std::int64_t FrameGrid::slotOf(std::int64_t mediaUs) const {
     return std::llround(slot);
 }
 
-std::int64_t FrameGrid::slotStart(std::int64_t slot) const {
+std::int64_t FrameGrid::slotStart(std::int64_t slot) const
+{
     return std::llround(static_cast<long double>(slot) * m_den * 1e6L / m_num);
 }
 
-std::optional<std::int64_t> FrameGrid::place(std::int64_t mediaUs) {
+std::optional<std::int64_t> FrameGrid::place(std::int64_t mediaUs)
+{
     if (!m_anchored) {
         m_offsetUs = mediaUs - slotStart(slotOf(mediaUs));
         m_anchored = true;
@@ -119,9 +130,12 @@ std::optional<std::int64_t> FrameGrid::place(std::int64_t mediaUs) {
 
 AudioTimeline::AudioTimeline(int sampleRate, std::int64_t toleranceUs)
     : m_rate(sampleRate)
-    , m_tolerance(toleranceUs * sampleRate / 1000000) {}
+    , m_tolerance(toleranceUs * sampleRate / 1000000)
+{
+}
 
-AudioTimeline::Placement AudioTimeline::place(std::int64_t mediaUs, std::int64_t samples) {
+AudioTimeline::Placement AudioTimeline::place(std::int64_t mediaUs, std::int64_t samples)
+{
     Placement p;
     const std::int64_t expected = mediaUs * m_rate / 1000000;
     const std::int64_t diff = expected - m_written;

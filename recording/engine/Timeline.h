@@ -63,7 +63,9 @@ class FrameGrid {
 public:
     FrameGrid(int fpsNum, int fpsDen)
         : m_num(fpsNum)
-        , m_den(fpsDen) {}
+        , m_den(fpsDen)
+    {
+    }
     // The nearest slot of a media time, ignoring the phase.
     std::int64_t slotOf(std::int64_t mediaUs) const;
     // The slot for the frame, or nothing when it must be dropped.

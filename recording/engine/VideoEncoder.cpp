@@ -9,7 +9,8 @@ extern "C" {
 namespace mirabend {
 
 CodecContextPtr VideoEncoder::makeContext(const AVCodec* codec, const RecordingPlan& plan,
-                                          AVPixelFormat format, bool globalHeader) const {
+                                          AVPixelFormat format, bool globalHeader) const
+{
     CodecContextPtr c(avcodec_alloc_context3(codec));
     if (!c)
         return nullptr;
@@ -29,7 +30,8 @@ CodecContextPtr VideoEncoder::makeContext(const AVCodec* codec, const RecordingP
     return c;
 }
 
-bool VideoEncoder::openHardware(const RecordingPlan& plan, const char* encoder, bool globalHeader) {
+bool VideoEncoder::openHardware(const RecordingPlan& plan, const char* encoder, bool globalHeader)
+{
     const AVCodec* codec = avcodec_find_encoder_by_name(encoder);
     if (!codec)
         return false;
@@ -70,7 +72,8 @@ bool VideoEncoder::openHardware(const RecordingPlan& plan, const char* encoder, 
     return true;
 }
 
-bool VideoEncoder::openSoftware(const RecordingPlan& plan, bool globalHeader, std::string& error) {
+bool VideoEncoder::openSoftware(const RecordingPlan& plan, bool globalHeader, std::string& error)
+{
     const AVCodec* codec = avcodec_find_encoder_by_name(plan.video.encoder.c_str());
     if (!codec) {
         error = "this FFmpeg has no " + plan.video.encoder + " encoder";
@@ -104,7 +107,8 @@ bool VideoEncoder::openSoftware(const RecordingPlan& plan, bool globalHeader, st
 }
 
 RecorderFailure VideoEncoder::open(const RecordingPlan& plan, int sourceWidth, int sourceHeight,
-                                   bool globalHeader) {
+                                   bool globalHeader)
+{
     m_sourceWidth = sourceWidth;
     m_sourceHeight = sourceHeight;
     if (plan.video.hardwareWanted && plan.video.encoder == "libx264") {
@@ -122,7 +126,8 @@ RecorderFailure VideoEncoder::open(const RecordingPlan& plan, int sourceWidth, i
     return {};
 }
 
-FramePtr VideoEncoder::convert(const std::uint8_t* bgr0, int linesize) {
+FramePtr VideoEncoder::convert(const std::uint8_t* bgr0, int linesize)
+{
     FramePtr frame = makeFrame();
     if (!frame)
         return nullptr;
@@ -144,7 +149,8 @@ FramePtr VideoEncoder::convert(const std::uint8_t* bgr0, int linesize) {
     return frame;
 }
 
-int VideoEncoder::encode(const AVFrame* frame, const std::function<void(PacketPtr)>& sink) {
+int VideoEncoder::encode(const AVFrame* frame, const std::function<void(PacketPtr)>& sink)
+{
     int ret = avcodec_send_frame(m_codec.get(), frame);
     if (ret < 0 && ret != AVERROR_EOF)
         return ret;

@@ -11,7 +11,8 @@ namespace {
 const char kAudioType[] = "{73647561-0000-0010-8000-00AA00389B71}";
 const char kVideoType[] = "{73646976-0000-0010-8000-00AA00389B71}";
 
-std::vector<WmvProfile> makeSystemProfiles() {
+std::vector<WmvProfile> makeSystemProfiles()
+{
     // Sizes 0 follow the captured area, so these suit any screen.
     std::vector<WmvProfile> list;
     list.push_back({QStringLiteral("Screen Video/Audio High (CBR)"), 0, 0, 0, 2000000, 8, 64000, 44100, 2});
@@ -28,7 +29,8 @@ std::vector<WmvProfile> makeSystemProfiles() {
     return list;
 }
 
-qint64 number(const QXmlStreamAttributes& attributes, const char* name, qint64 fallback) {
+qint64 number(const QXmlStreamAttributes& attributes, const char* name, qint64 fallback)
+{
     bool ok = false;
     const qint64 value = attributes.value(QLatin1String(name)).toLongLong(&ok);
     return ok ? value : fallback;
@@ -36,19 +38,22 @@ qint64 number(const QXmlStreamAttributes& attributes, const char* name, qint64 f
 
 } // namespace
 
-const std::vector<WmvProfile>& WmvProfiles::system() {
+const std::vector<WmvProfile>& WmvProfiles::system()
+{
     static const std::vector<WmvProfile> profiles = makeSystemProfiles();
     return profiles;
 }
 
-QStringList WmvProfiles::systemNames() {
+QStringList WmvProfiles::systemNames()
+{
     QStringList names;
     for (const WmvProfile& p : system())
         names << p.name;
     return names;
 }
 
-std::optional<WmvProfile> WmvProfiles::readFile(const QString& path, QString* error) {
+std::optional<WmvProfile> WmvProfiles::readFile(const QString& path, QString* error)
+{
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (error)
@@ -115,7 +120,8 @@ std::optional<WmvProfile> WmvProfiles::readFile(const QString& path, QString* er
     return profile;
 }
 
-QByteArray WmvProfiles::toXml(const WmvProfile& p) {
+QByteArray WmvProfiles::toXml(const WmvProfile& p)
+{
     const qint64 perFrame = p.frameRate > 0 ? qint64(10000000.0 / p.frameRate + 0.5) : 416667;
     const int blockAlign = int(p.audioBitrate / 8 * 2048 / qMax(1, p.sampleRate));
     QString xml;

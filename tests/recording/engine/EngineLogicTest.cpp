@@ -13,7 +13,8 @@
 namespace mirabend {
 namespace {
 
-TEST(RecordingClockTest, PausesAreCutOutOfMediaTime) {
+TEST(RecordingClockTest, PausesAreCutOutOfMediaTime)
+{
     RecordingClock clock;
     clock.start(1000);
     EXPECT_FALSE(clock.mediaTime(999));
@@ -30,7 +31,8 @@ TEST(RecordingClockTest, PausesAreCutOutOfMediaTime) {
     EXPECT_EQ(clock.pauseCount(), 1);
 }
 
-TEST(RecordingClockTest, SegmentsSplitABlockAtStartAndPauses) {
+TEST(RecordingClockTest, SegmentsSplitABlockAtStartAndPauses)
+{
     RecordingClock clock;
     clock.start(1000);
     clock.pause(2000);
@@ -53,7 +55,8 @@ TEST(RecordingClockTest, SegmentsSplitABlockAtStartAndPauses) {
     EXPECT_EQ(tail[0].lengthUs, 200);
 }
 
-TEST(FrameGridTest, JitteredFramesTakeConsecutiveSlotsAndBurstsAreDropped) {
+TEST(FrameGridTest, JitteredFramesTakeConsecutiveSlotsAndBurstsAreDropped)
+{
     FrameGrid grid(24, 1);
     const std::int64_t period = 1000000 / 24;
     // Frames arriving half a period off the grid, with jitter either way.
@@ -71,7 +74,8 @@ TEST(FrameGridTest, JitteredFramesTakeConsecutiveSlotsAndBurstsAreDropped) {
     EXPECT_EQ(grid.lastSlot(), last + 3); // slots 6 and 7 left as a gap
 }
 
-TEST(AudioTimelineTest, AnchorsOnStampsAndIgnoresSmallJitter) {
+TEST(AudioTimelineTest, AnchorsOnStampsAndIgnoresSmallJitter)
+{
     AudioTimeline timeline(10000, 60000);
     // First block 50 ms late: 500 samples of silence in front.
     auto p = timeline.place(50000, 200);
@@ -92,14 +96,16 @@ TEST(AudioTimelineTest, AnchorsOnStampsAndIgnoresSmallJitter) {
     EXPECT_EQ(p.silence, 2000);
 }
 
-RecorderSettings settings(int format) {
+RecorderSettings settings(int format)
+{
     RecorderSettings s;
     s.outputFile = QStringLiteral("/tmp/x");
     s.format = format;
     return s;
 }
 
-TEST(FormatPlannerTest, AviFitsMicrosoftVideo1AndKeepsPcmAt11025Mono) {
+TEST(FormatPlannerTest, AviFitsMicrosoftVideo1AndKeepsPcmAt11025Mono)
+{
     RecordingPlan plan;
     RecorderSettings s = settings(0);
     s.aviWidth = 562;
@@ -127,7 +133,8 @@ TEST(FormatPlannerTest, AviFitsMicrosoftVideo1AndKeepsPcmAt11025Mono) {
     EXPECT_EQ(plan.audio.bitRate, 128000);
 }
 
-TEST(FormatPlannerTest, FlashFormatsTakeMp3At44100AndRefuseBadBitrates) {
+TEST(FormatPlannerTest, FlashFormatsTakeMp3At44100AndRefuseBadBitrates)
+{
     RecordingPlan plan;
     RecorderSettings s = settings(3);
     ASSERT_FALSE(FormatPlanner::plan(s, 800, 600, plan));
@@ -148,7 +155,8 @@ TEST(FormatPlannerTest, FlashFormatsTakeMp3At44100AndRefuseBadBitrates) {
     EXPECT_EQ(plan.muxer, "swf");
 }
 
-TEST(FormatPlannerTest, RefusesSettingsThatCannotWork) {
+TEST(FormatPlannerTest, RefusesSettingsThatCannotWork)
+{
     RecordingPlan plan;
     RecorderSettings s = settings(0);
     s.frameRate = 0;
@@ -166,7 +174,8 @@ TEST(FormatPlannerTest, RefusesSettingsThatCannotWork) {
     EXPECT_EQ(FormatPlanner::plan(s, 800, 600, plan).code, RecorderError::BadSetting);
 }
 
-TEST(FormatPlannerTest, Mp4AndMatroskaAreH264AacAndLiveSafe) {
+TEST(FormatPlannerTest, Mp4AndMatroskaAreH264AacAndLiveSafe)
+{
     RecordingPlan plan;
     RecorderSettings s = settings(4);
     ASSERT_FALSE(FormatPlanner::plan(s, 1279, 719, plan));
@@ -183,7 +192,8 @@ TEST(FormatPlannerTest, Mp4AndMatroskaAreH264AacAndLiveSafe) {
     EXPECT_EQ(FormatPlanner::formatForFile(QStringLiteral("a.txt")), -1);
 }
 
-TEST(WmvProfileTest, ShippedProfilesParseAndDriveTheWmvPlan) {
+TEST(WmvProfileTest, ShippedProfilesParseAndDriveTheWmvPlan)
+{
     const QString dir = QStringLiteral(MIRABEND_PROFILE_DIR "/");
     for (const char* name : {"320x240.prx", "640x480S.prx", "640x480W.prx", "640x480V.prx", "640x480I.prx",
                              "800x600.prx", "1024x768.prx", "1280x1024.prx"}) {
@@ -204,7 +214,8 @@ TEST(WmvProfileTest, ShippedProfilesParseAndDriveTheWmvPlan) {
     EXPECT_EQ(plan.audio.encoder, "wmav2");
 }
 
-TEST(WmvProfileTest, RoundTripAndBrokenFiles) {
+TEST(WmvProfileTest, RoundTripAndBrokenFiles)
+{
     QTemporaryDir dir;
     WmvProfile p;
     p.name = QStringLiteral("Test <profile>");
@@ -237,7 +248,8 @@ TEST(WmvProfileTest, RoundTripAndBrokenFiles) {
     EXPECT_TRUE(error.contains(QStringLiteral("not usable")));
 }
 
-TEST(CompressorListTest, OffersTheDesignedNamesWithExactLookup) {
+TEST(CompressorListTest, OffersTheDesignedNamesWithExactLookup)
+{
     const CompressorList video(CompressorCatalog::videoNames());
     const CompressorList audio(CompressorCatalog::audioNames());
     EXPECT_EQ(video.FindByName(QStringLiteral("Microsoft Video 1")), 0);

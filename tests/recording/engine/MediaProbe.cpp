@@ -6,7 +6,8 @@
 
 namespace mirabend::test {
 
-MediaInfo probe(const std::string& file) {
+MediaInfo probe(const std::string& file)
+{
     MediaInfo info;
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
@@ -100,7 +101,8 @@ MediaInfo probe(const std::string& file) {
 
 namespace mirabend::test {
 
-int brightestLuma(const std::string& file, int x, int y, int w, int h) {
+int brightestLuma(const std::string& file, int x, int y, int w, int h)
+{
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
         return -1;

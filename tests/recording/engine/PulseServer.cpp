@@ -8,7 +8,8 @@
 
 namespace mirabend::test {
 
-PulseServer::PulseServer() {
+PulseServer::PulseServer()
+{
     if (!haveProgram("pulseaudio") || m_folder.path().empty())
         return;
     const std::string run = m_folder.file("run");
@@ -39,7 +40,8 @@ PulseServer::PulseServer() {
     }
 }
 
-PulseServer::~PulseServer() {
+PulseServer::~PulseServer()
+{
     m_process.stop();
     if (m_previousServer.empty())
         unsetenv("PULSE_SERVER");
@@ -47,7 +49,8 @@ PulseServer::~PulseServer() {
         setenv("PULSE_SERVER", m_previousServer.c_str(), 1);
 }
 
-std::string PulseServer::pactl(const std::string& arguments) const {
+std::string PulseServer::pactl(const std::string& arguments) const
+{
     const std::string command = "PULSE_SERVER=unix:" + m_socket + " pactl " + arguments + " 2>/dev/null";
     std::string out;
     if (FILE* pipe = popen(command.c_str(), "r")) {

@@ -25,21 +25,25 @@ using test::probe;
 class RecordingTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { s_pulse = new test::PulseServer; }
-    static void TearDownTestSuite() {
+    static void TearDownTestSuite()
+    {
         delete s_pulse;
         s_pulse = nullptr;
     }
-    void SetUp() override {
+    void SetUp() override
+    {
         ASSERT_TRUE(s_pulse->ok()) << "PulseAudio could not be started";
         ASSERT_FALSE(m_folder.path().empty());
     }
 
     // Records for `seconds` of recording time (pauses not counted).
-    static void recordFor(Screen2Video& r, double seconds) {
+    static void recordFor(Screen2Video& r, double seconds)
+    {
         while (r.IsCapturing() && r.Counters().secondsRecorded < seconds)
             std::this_thread::sleep_for(20ms);
     }
-    static std::vector<RecorderFailure> failuresOf(Screen2Video& r, RecorderError code) {
+    static std::vector<RecorderFailure> failuresOf(Screen2Video& r, RecorderError code)
+    {
         std::vector<RecorderFailure> out;
         for (const RecorderFailure& f : r.TakeFailures()) {
             if (f.code == code)
@@ -64,7 +68,8 @@ struct FormatCase {
     int height;
 };
 
-TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound) {
+TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound)
+{
     const FormatCase cases[] = {
         {0, "avi", "msvideo1", "pcm_s16le", 320, 240},
         {1, "wmv", "wmv2", "wmav2", 0, 0},
@@ -105,7 +110,8 @@ TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound) {
     }
 }
 
-TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep) {
+TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep)
+{
     Screen2Video r;
     const std::string file = m_folder.file("paused.mkv");
     r.OutputFileName(QString::fromStdString(file));
@@ -132,7 +138,8 @@ TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep) {
     EXPECT_LE(counters.framesDuplicated, 2u) << "a pause must not be filled with frozen frames";
 }
 
-TEST_F(RecordingTest, OverlaysAreDrawnOntoTheRecordedFrames) {
+TEST_F(RecordingTest, OverlaysAreDrawnOntoTheRecordedFrames)
+{
     Screen2Video r;
     const std::string file = m_folder.file("stamped.mkv");
     r.OutputFileName(QString::fromStdString(file));
@@ -206,7 +213,8 @@ TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithoutSound)
     EXPECT_NEAR(double(info.videoPackets), 10, 2);
 }
 
-TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart) {
+TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart)
+{
     Screen2Video r;
     const std::string file = m_folder.file("never.flv");
     r.OutputFileName(QString::fromStdString(file));
@@ -227,7 +235,8 @@ TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart) {
     EXPECT_EQ(r.LastFailure().code, RecorderError::BadSetting);
 }
 
-TEST_F(RecordingTest, ARecordedWindowThatClosesFinishesTheFile) {
+TEST_F(RecordingTest, ARecordedWindowThatClosesFinishesTheFile)
+{
     auto window = std::make_unique<QWidget>();
     window->resize(200, 150);
     window->show();
@@ -260,7 +269,8 @@ TEST_F(RecordingTest, ARecordedWindowThatClosesFinishesTheFile) {
     EXPECT_GE(info.videoPackets, 8);
 }
 
-TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows) {
+TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows)
+{
     // A sound server of its own, stopped mid-recording (a source merely
     // unloaded is moved to the default source by the server itself).
     auto server = std::make_unique<test::PulseServer>();
@@ -285,7 +295,8 @@ TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows) {
     EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.3);
 }
 
-TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile) {
+TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile)
+{
     const std::string mountPoint = m_folder.file("small");
     mkdir(mountPoint.c_str(), 0700);
     if (mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=64k") != 0)
@@ -311,7 +322,8 @@ TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile) {
     umount(mountPoint.c_str());
 }
 
-TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled) {
+TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled)
+{
     for (const char* extension : {"mp4", "mkv"}) {
         SCOPED_TRACE(extension);
         const std::string file = m_folder.file(std::string("killed.") + extension);
@@ -328,7 +340,8 @@ TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled) {
     }
 }
 
-TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm) {
+TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm)
+{
     const std::string file = m_folder.file("term.avi");
     test::ChildProcess recorder;
     ASSERT_TRUE(recorder.start({driver(), "--record-screen", file, "--no-audio", "--fps", "10"}, {},
