@@ -129,8 +129,8 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
             m_mux.open(plan, m_videoEncoder.context(), m_haveAudio ? m_audioEncoder.context() : nullptr))
         return f;
 
-    // Both devices are read from now on; the recording's time starts here.
-    m_clock.start(av_gettime());
+    // Both devices are read from now on. The recording's time starts with
+    // the first frame, so the picture begins at once; sound before it is cut.
     m_started = true;
     m_muxProducers = m_haveAudio ? 2 : 1;
     m_muxThread = std::thread([this] { muxLoop(); });
@@ -214,7 +214,9 @@ void CaptureSession::videoCaptureLoop()
             }
             break;
         }
-        const std::optional<std::int64_t> media = m_clock.mediaTime(m_screen.stampOf(packet.get()));
+        const std::int64_t stamp = m_screen.stampOf(packet.get());
+        m_clock.start(stamp);
+        const std::optional<std::int64_t> media = m_clock.mediaTime(stamp);
         if (!media)
             continue; // paused
         ++m_framesCaptured;

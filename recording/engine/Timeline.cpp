@@ -13,15 +13,30 @@ constexpr std::int64_t kOpen = std::numeric_limits<std::int64_t>::max();
 void RecordingClock::start(std::int64_t now)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_started)
+        return;
     m_start = now;
     m_started = true;
     m_pauses.clear();
+    // A pause asked for before the first frame begins with the recording.
+    if (m_pendingPause)
+        m_pauses.push_back({now, kOpen});
+}
+
+bool RecordingClock::started() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_started;
 }
 
 void RecordingClock::pause(std::int64_t now)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_started || (!m_pauses.empty() && m_pauses.back().end == kOpen))
+    if (!m_started) {
+        m_pendingPause = true;
+        return;
+    }
+    if (!m_pauses.empty() && m_pauses.back().end == kOpen)
         return;
     m_pauses.push_back({std::max(now, m_start), kOpen});
 }
@@ -29,6 +44,10 @@ void RecordingClock::pause(std::int64_t now)
 void RecordingClock::resume(std::int64_t now)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_started) {
+        m_pendingPause = false;
+        return;
+    }
     if (m_pauses.empty() || m_pauses.back().end != kOpen)
         return;
     m_pauses.back().end = std::max(now, m_pauses.back().begin);
@@ -37,6 +56,8 @@ void RecordingClock::resume(std::int64_t now)
 bool RecordingClock::paused() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_started)
+        return m_pendingPause;
     return !m_pauses.empty() && m_pauses.back().end == kOpen;
 }
 

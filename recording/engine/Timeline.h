@@ -17,7 +17,10 @@ namespace mirabend {
 
 class RecordingClock {
 public:
+    // The recording's time begins at the first captured frame; later calls
+    // change nothing. Pauses asked for before it are kept.
     void start(std::int64_t now);
+    bool started() const;
     // A second pause while paused, or a resume while running, is ignored.
     void pause(std::int64_t now);
     void resume(std::int64_t now);
@@ -47,6 +50,7 @@ private:
     mutable std::mutex m_mutex;
     std::int64_t m_start = 0;
     bool m_started = false;
+    bool m_pendingPause = false;
     std::vector<Pause> m_pauses;
 };
 
