@@ -30,8 +30,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr double kFrameInterval = 1.0 / 24.0; // seconds
 
-OverlaySettings benchSettings(const QString& imageFile)
-{
+OverlaySettings benchSettings(const QString& imageFile) {
     OverlaySettings s;
     s.showDateTime = true;
     s.dateLeft = 20;
@@ -53,8 +52,7 @@ OverlaySettings benchSettings(const QString& imageFile)
 }
 
 // The peer: everything drawn from the settings on every frame.
-void paintDirect(QImage& frame, const OverlaySettings& s, const QImage& source, const QDateTime& now)
-{
+void paintDirect(QImage& frame, const OverlaySettings& s, const QImage& source, const QDateTime& now) {
     QPainter painter(&frame);
     painter.setRenderHint(QPainter::Antialiasing);
 
@@ -86,8 +84,7 @@ void paintDirect(QImage& frame, const OverlaySettings& s, const QImage& source, 
 }
 
 template <typename Paint>
-double secondsPerFrame(int frames, Paint paint)
-{
+double secondsPerFrame(int frames, Paint paint) {
     QImage frame(1280, 720, QImage::Format_RGB32);
     const QDateTime start(QDate(2026, 3, 4), QTime(17, 8, 9));
     for (int i = 0; i < 10; ++i) { // warm caches
@@ -107,8 +104,7 @@ double secondsPerFrame(int frames, Paint paint)
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", QByteArray("offscreen"));
     QGuiApplication app(argc, argv);
