@@ -10,7 +10,9 @@
 #include <chrono>
 #include <csignal>
 #include <cstring>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -357,6 +359,19 @@ TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm)
     EXPECT_EQ(info.videoCodec, "msvideo1");
     EXPECT_EQ(info.width, 560);
     EXPECT_GE(info.videoPackets, 8);
+
+    // The lists name what can be chosen: the designed compressor names and
+    // the sound server's sources with their pins.
+    test::ChildProcess lister;
+    ASSERT_TRUE(lister.start({driver(), "--list-devices", "--list-codecs"}, {}, m_folder.file("list.log")));
+    for (int i = 0; i < 500 && waitpid(lister.pid(), &status, WNOHANG) == 0; ++i)
+        std::this_thread::sleep_for(10ms);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    std::ifstream listing(m_folder.file("list.log"));
+    const std::string text((std::istreambuf_iterator<char>(listing)), std::istreambuf_iterator<char>());
+    for (const char* expected : {"Microsoft Video 1", "Windows Media Video 8", "Sorenson Spark", "PCM",
+                                 "MPEG Layer-3", "Windows Media Audio 2", "Sine source", "Screen: 1280x1024"})
+        EXPECT_NE(text.find(expected), std::string::npos) << expected << " missing from:\n" << text;
 
     // A refused setting exits non-zero with a message.
     test::ChildProcess refused;
