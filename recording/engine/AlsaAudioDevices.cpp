@@ -2,7 +2,6 @@
 #include "recording/engine/AudioDeviceCatalog.h"
 
 #include <alsa/asoundlib.h>
-
 #include <cstdlib>
 #include <cstring>
 
@@ -20,7 +19,10 @@ using CText = std::unique_ptr<char, FreeDeleter>;
 
 class AlsaCatalog final : public AudioDeviceCatalog {
 public:
-    explicit AlsaCatalog(std::vector<AudioDeviceInfo> devices) : m_devices(std::move(devices)) {}
+    explicit AlsaCatalog(std::vector<AudioDeviceInfo> devices)
+        : m_devices(std::move(devices))
+    {
+    }
     const std::vector<AudioDeviceInfo>& devices() const override { return m_devices; }
     // ALSA devices offer one input each; the mixer's capture switches are
     // the sound card's business.
@@ -60,6 +62,16 @@ std::unique_ptr<AudioDeviceCatalog> makeAlsaCatalog()
             else
                 devices.push_back(std::move(device));
         }
+    }
+    // The system default comes first even where the hints leave it out.
+    if (devices.empty() || devices.front().id != "default") {
+        AudioDeviceInfo device;
+        device.backend = "alsa";
+        device.id = "default";
+        device.name = QStringLiteral("Default ALSA capture device");
+        device.pins << QStringLiteral("Capture");
+        device.pinIds.push_back("Capture");
+        devices.insert(devices.begin(), std::move(device));
     }
     for (std::size_t i = 0; i < devices.size(); ++i) {
         for (std::size_t j = 0; j < i; ++j) {

@@ -14,10 +14,10 @@
 namespace mirabend {
 
 struct AudioDeviceInfo {
-    QString name;      // shown to the user
+    QString name;        // shown to the user
     std::string backend; // libavdevice input: "pulse" or "alsa"
-    std::string id;    // source or PCM name handed to the input
-    QStringList pins;  // port descriptions, shown
+    std::string id;      // source or PCM name handed to the input
+    QStringList pins;    // port descriptions, shown
     std::vector<std::string> pinIds;
     int activePin = 0;
 };

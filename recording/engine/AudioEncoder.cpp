@@ -9,7 +9,8 @@ extern "C" {
 
 namespace mirabend {
 
-RecorderFailure AudioEncoder::open(const AudioTarget& target, int inputRate, int inputChannels, bool globalHeader)
+RecorderFailure AudioEncoder::open(const AudioTarget& target, int inputRate, int inputChannels,
+                                   bool globalHeader)
 {
     const AVCodec* codec = avcodec_find_encoder_by_name(target.encoder.c_str());
     if (!codec)
@@ -34,9 +35,9 @@ RecorderFailure AudioEncoder::open(const AudioTarget& target, int inputRate, int
         c->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     const int ret = avcodec_open2(c.get(), codec, nullptr);
     if (ret < 0)
-        return {RecorderError::EncoderUnavailable, target.encoder + " refused " + std::to_string(target.sampleRate) +
-                                                       " Hz, " + std::to_string(target.channels) +
-                                                       " channel(s): " + avErrorText(ret)};
+        return {RecorderError::EncoderUnavailable,
+                target.encoder + " refused " + std::to_string(target.sampleRate) + " Hz, " +
+                    std::to_string(target.channels) + " channel(s): " + avErrorText(ret)};
     AVChannelLayout inLayout;
     av_channel_layout_default(&inLayout, inputChannels);
     SwrContext* raw = nullptr;
@@ -78,10 +79,12 @@ int AudioEncoder::write(const std::int16_t* samples, std::int64_t count, const S
                 return AVERROR(ENOMEM);
         }
         const std::uint8_t* inPlanes[1] = {reinterpret_cast<const std::uint8_t*>(in)};
-        const int got = swr_convert(m_resampler.get(), m_converted->extended_data, outCapacity, inPlanes, chunk);
+        const int got =
+            swr_convert(m_resampler.get(), m_converted->extended_data, outCapacity, inPlanes, chunk);
         if (got < 0)
             return got;
-        if (got > 0 && av_audio_fifo_write(m_fifo.get(), reinterpret_cast<void**>(m_converted->extended_data), got) < got)
+        if (got > 0 && av_audio_fifo_write(m_fifo.get(), reinterpret_cast<void**>(m_converted->extended_data),
+                                           got) < got)
             return AVERROR(ENOMEM);
         if (samples)
             samples += std::size_t(chunk) * std::size_t(m_inputChannels);
@@ -110,7 +113,8 @@ int AudioEncoder::encodeFrames(bool all, const Sink& sink)
         if (frame->nb_samples > available)
             av_samples_set_silence(frame->extended_data, 0, frame->nb_samples, m_codec->ch_layout.nb_channels,
                                    m_codec->sample_fmt);
-        if (av_audio_fifo_read(m_fifo.get(), reinterpret_cast<void**>(frame->extended_data), available) < available)
+        if (av_audio_fifo_read(m_fifo.get(), reinterpret_cast<void**>(frame->extended_data), available) <
+            available)
             return AVERROR(EIO);
         frame->pts = m_nextPts;
         m_nextPts += frame->nb_samples;

@@ -1,8 +1,7 @@
 #include "recording/engine/CaptureSession.h"
 
-#include "recording/engine/OverlayStage.h"
-
 #include <QDateTime>
+#include <QGuiApplication>
 #include <QImage>
 #include <chrono>
 
@@ -43,9 +42,15 @@ CaptureSession::CaptureSession(std::shared_ptr<OverlayBoard> overlay, std::share
 {
 }
 
-CaptureSession::~CaptureSession() { stop(); }
+CaptureSession::~CaptureSession()
+{
+    stop();
+}
 
-void CaptureSession::fail(RecorderError code, const std::string& detail) { m_failures->add({code, detail}); }
+void CaptureSession::fail(RecorderError code, const std::string& detail)
+{
+    m_failures->add({code, detail});
+}
 
 RecorderFailure CaptureSession::start(const RecordingPlan& plan)
 {
@@ -60,13 +65,21 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
     if (target.window != 0) {
         screenOptions.push_back({"window_id", std::to_string(target.window)});
     } else {
-        screenOptions.push_back({"video_size", std::to_string(target.region.width) + "x" +
-                                                   std::to_string(target.region.height)});
+        screenOptions.push_back(
+            {"video_size", std::to_string(target.region.width) + "x" + std::to_string(target.region.height)});
         screenOptions.push_back({"grab_x", std::to_string(target.region.left)});
         screenOptions.push_back({"grab_y", std::to_string(target.region.top)});
     }
     std::string error;
-    if (!m_screen.open("x11grab", display, screenOptions, error))
+    // The X server now and then refuses a connection right after another
+    // client went away; a second try a moment later gets through.
+    bool opened = false;
+    for (int attempt = 0; attempt < 3 && !opened; ++attempt) {
+        if (attempt)
+            std::this_thread::sleep_for(std::chrono::milliseconds(150));
+        opened = m_screen.open("x11grab", display, screenOptions, error);
+    }
+    if (!opened)
         return {target.window ? RecorderError::WindowNotFound : RecorderError::DisplayUnavailable, error};
     const AVCodecParameters* screen = m_screen.parameters();
     m_screenWidth = screen->width;
@@ -103,16 +116,21 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
     if (RecorderFailure f = m_videoEncoder.open(plan, m_screenWidth, m_screenHeight, globalHeader))
         return f;
     if (m_haveAudio) {
+        // An audio encoder that refuses costs the sound, not the recording.
         const AVCodecParameters* p = m_sound.parameters();
         if (RecorderFailure f =
-                m_audioEncoder.open(plan.audio, p->sample_rate, p->ch_layout.nb_channels, globalHeader))
-            return f;
+                m_audioEncoder.open(plan.audio, p->sample_rate, p->ch_layout.nb_channels, globalHeader)) {
+            fail(f.code, f.detail + "; recording without sound");
+            m_haveAudio = false;
+            m_sound.close();
+        }
     }
-    if (RecorderFailure f = m_mux.open(plan, m_videoEncoder.context(), m_haveAudio ? m_audioEncoder.context() : nullptr))
+    if (RecorderFailure f =
+            m_mux.open(plan, m_videoEncoder.context(), m_haveAudio ? m_audioEncoder.context() : nullptr))
         return f;
 
-    // Both devices are read from now on; the recording's time starts here.
-    m_clock.start(av_gettime());
+    // Both devices are read from now on. The recording's time starts with
+    // the first frame, so the picture begins at once; sound before it is cut.
     m_started = true;
     m_muxProducers = m_haveAudio ? 2 : 1;
     m_muxThread = std::thread([this] { muxLoop(); });
@@ -133,8 +151,14 @@ void CaptureSession::endNow()
     m_ending = true;
 }
 
-void CaptureSession::pause() { m_clock.pause(av_gettime()); }
-void CaptureSession::resume() { m_clock.resume(av_gettime()); }
+void CaptureSession::pause()
+{
+    m_clock.pause(av_gettime());
+}
+void CaptureSession::resume()
+{
+    m_clock.resume(av_gettime());
+}
 
 void CaptureSession::stop()
 {
@@ -168,7 +192,7 @@ RecorderCounters CaptureSession::counters() const
 void CaptureSession::videoCaptureLoop()
 {
     FrameGrid grid(m_plan.fpsNum, m_plan.fpsDen);
-    const bool canPaint = overlayPossible();
+    const bool canPaint = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
     int epoch = 0;
     while (!m_ending) {
         PacketPtr packet = makePacket();
@@ -180,16 +204,19 @@ void CaptureSession::videoCaptureLoop()
         if (ret < 0) {
             if (!m_ending) {
                 if (m_plan.capture.window)
-                    fail(RecorderError::WindowClosed, "the recorded window " +
-                                                          std::to_string(m_plan.capture.window) +
-                                                          " cannot be read any more (" + avErrorText(ret) + ")");
+                    fail(RecorderError::WindowClosed,
+                         "the recorded window " + std::to_string(m_plan.capture.window) +
+                             " cannot be read any more (" + avErrorText(ret) + ")");
                 else
-                    fail(RecorderError::CaptureFailed, "the screen cannot be read any more: " + avErrorText(ret));
+                    fail(RecorderError::CaptureFailed,
+                         "the screen cannot be read any more: " + avErrorText(ret));
                 endNow();
             }
             break;
         }
-        const std::optional<std::int64_t> media = m_clock.mediaTime(m_screen.stampOf(packet.get()));
+        const std::int64_t stamp = m_screen.stampOf(packet.get());
+        m_clock.start(stamp);
+        const std::optional<std::int64_t> media = m_clock.mediaTime(stamp);
         if (!media)
             continue; // paused
         ++m_framesCaptured;
@@ -208,10 +235,10 @@ void CaptureSession::videoCaptureLoop()
             continue;
         }
         if (canPaint) {
-            const OverlaySettings overlay = m_overlay->snapshot();
-            if (overlay.anyShown() && av_packet_make_writable(packet.get()) >= 0) {
-                QImage picture(packet->data, m_screenWidth, m_screenHeight, int(stride), QImage::Format_RGB32);
-                paintOverlay(picture, overlay, QDateTime::currentDateTime());
+            if (m_overlay->active() && av_packet_make_writable(packet.get()) >= 0) {
+                QImage picture(packet->data, m_screenWidth, m_screenHeight, int(stride),
+                               QImage::Format_RGB32);
+                m_overlay->paint(picture, QDateTime::currentDateTime());
             }
         }
         if (!m_videoQueue.tryPush(VideoItem{std::move(packet), *slot}))
@@ -250,9 +277,9 @@ void CaptureSession::audioCaptureLoop()
                     break;
                 // The source went away (unplugged, server restarted): the
                 // recording goes on with silence so the picture is kept.
-                fail(RecorderError::AudioSourceLost,
-                     "\"" + m_plan.source.label + "\" stopped delivering sound (" + avErrorText(ret) +
-                         "); recording silence from here on");
+                fail(RecorderError::AudioSourceLost, "\"" + m_plan.source.label +
+                                                         "\" stopped delivering sound (" + avErrorText(ret) +
+                                                         "); recording silence from here on");
                 lost = true;
                 nextSilence = std::max(received, av_gettime());
                 continue;
@@ -312,8 +339,9 @@ void CaptureSession::producerDone()
 
 void CaptureSession::videoEncodeLoop()
 {
-    const AVRational timeBase = m_videoEncoder.context()->time_base;
-    const auto sink = [&](PacketPtr p) { pushToMux(std::move(p), 0); };
+    const auto sink = [&](PacketPtr p) {
+        pushToMux(std::move(p), 0);
+    };
     // Fill short gaps with the previous picture so players see a steady
     // rate; SWF counts frames, not time, so there every gap is filled.
     const std::int64_t maxFill = m_plan.constantFrameRate ? INT64_MAX : std::max(1, m_plan.video.gopSize) * 2;
@@ -355,13 +383,14 @@ void CaptureSession::videoEncodeLoop()
     last.reset();
     if (!m_writeFailed)
         m_videoEncoder.encode(nullptr, sink);
-    (void)timeBase;
     producerDone();
 }
 
 void CaptureSession::audioEncodeLoop()
 {
-    const auto sink = [&](PacketPtr p) { pushToMux(std::move(p), 1); };
+    const auto sink = [&](PacketPtr p) {
+        pushToMux(std::move(p), 1);
+    };
     AudioTimeline timeline(m_audioEncoder.inputRate(), kAudioToleranceUs);
     const int channels = m_audioEncoder.inputChannels();
     int epoch = 0;

@@ -57,9 +57,9 @@ private:
         std::int64_t slot = 0;
     };
     struct AudioItem {
-        PacketPtr packet;          // interleaved s16; null for silence
-        std::int64_t offset = 0;   // first sample of the packet to use
-        std::int64_t samples = 0;  // per channel
+        PacketPtr packet;         // interleaved s16; null for silence
+        std::int64_t offset = 0;  // first sample of the packet to use
+        std::int64_t samples = 0; // per channel
         std::int64_t mediaUs = 0;
         int pauseEpoch = 0;
     };

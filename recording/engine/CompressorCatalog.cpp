@@ -18,12 +18,8 @@ struct Entry {
 
 // AVI takes all of these; the order is the order of the options window's list.
 const Entry kVideo[] = {
-    {"Microsoft Video 1", "msvideo1"},
-    {"MPEG-4", "mpeg4"},
-    {"H.264", "libx264"},
-    {"Windows Media Video 8", "wmv2"},
-    {"Sorenson Spark", "flv"},
-    {"Motion JPEG", "mjpeg"},
+    {"Microsoft Video 1", "msvideo1"}, {"MPEG-4", "mpeg4"},       {"H.264", "libx264"},
+    {"Windows Media Video 8", "wmv2"}, {"Sorenson Spark", "flv"}, {"Motion JPEG", "mjpeg"},
 };
 
 const Entry kAudio[] = {
@@ -61,10 +57,22 @@ bool CompressorCatalog::haveEncoder(const std::string& encoder)
     return !encoder.empty() && avcodec_find_encoder_by_name(encoder.c_str()) != nullptr;
 }
 
-QStringList CompressorCatalog::videoNames() { return namesOf(kVideo); }
-QStringList CompressorCatalog::audioNames() { return namesOf(kAudio); }
-std::string CompressorCatalog::videoEncoder(const QString& name) { return encoderOf(kVideo, name); }
-std::string CompressorCatalog::audioEncoder(const QString& name) { return encoderOf(kAudio, name); }
+QStringList CompressorCatalog::videoNames()
+{
+    return namesOf(kVideo);
+}
+QStringList CompressorCatalog::audioNames()
+{
+    return namesOf(kAudio);
+}
+std::string CompressorCatalog::videoEncoder(const QString& name)
+{
+    return encoderOf(kVideo, name);
+}
+std::string CompressorCatalog::audioEncoder(const QString& name)
+{
+    return encoderOf(kAudio, name);
+}
 
 VideoCodecLimits CompressorCatalog::limits(const std::string& encoder)
 {

@@ -36,7 +36,10 @@ Connection connect(const std::string& display, int& screenNumber)
 
 } // namespace
 
-int DeviceInput::onInterrupt(void* self) { return static_cast<DeviceInput*>(self)->m_interrupted ? 1 : 0; }
+int DeviceInput::onInterrupt(void* self)
+{
+    return static_cast<DeviceInput*>(self)->m_interrupted ? 1 : 0;
+}
 
 bool DeviceInput::open(const char* format, const std::string& url, const Options& options, std::string& error)
 {

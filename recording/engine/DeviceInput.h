@@ -24,6 +24,7 @@ public:
     // av_read_frame(); packets carry stamps in microseconds of av_gettime().
     int read(AVPacket* packet);
     void interrupt() { m_interrupted = true; }
+    void close() { m_context.reset(); }
     bool isOpen() const { return m_context != nullptr; }
     const AVCodecParameters* parameters() const;
     // A packet's stamp in microseconds.

@@ -79,8 +79,14 @@ private:
     AVDictionary* m_dict = nullptr;
 };
 
-inline FramePtr makeFrame() { return FramePtr(av_frame_alloc()); }
-inline PacketPtr makePacket() { return PacketPtr(av_packet_alloc()); }
+inline FramePtr makeFrame()
+{
+    return FramePtr(av_frame_alloc());
+}
+inline PacketPtr makePacket()
+{
+    return PacketPtr(av_packet_alloc());
+}
 
 // FFmpeg's text for an error code.
 inline std::string avErrorText(int err)

@@ -16,7 +16,10 @@ namespace {
 
 constexpr int kMaxSide = 8192;
 
-RecorderFailure bad(const QString& what) { return {RecorderError::BadSetting, what.toStdString()}; }
+RecorderFailure bad(const QString& what)
+{
+    return {RecorderError::BadSetting, what.toStdString()};
+}
 
 // Bitrate in bit/s from the AVI field, which the options window gives in
 // kbit/s ("128"); a value of 1000 or more is taken as bit/s already.
@@ -151,8 +154,8 @@ RecorderFailure FormatPlanner::plan(const RecorderSettings& s, int captureW, int
             video = "msvideo1";
         if ((failure = chooseEncoder(video, out.video)))
             return failure;
-        if ((failure = applySize(s.aviWidth, s.aviHeight, captureW, captureH, CompressorCatalog::limits(video),
-                                 out.video)))
+        if ((failure = applySize(s.aviWidth, s.aviHeight, captureW, captureH,
+                                 CompressorCatalog::limits(video), out.video)))
             return failure;
         if (video == "libx264")
             out.video.hardwareWanted = s.hardware;
@@ -223,8 +226,8 @@ RecorderFailure FormatPlanner::plan(const RecorderSettings& s, int captureW, int
         out.liveSafe = true;
         if ((failure = chooseEncoder("libx264", out.video)))
             return failure;
-        if ((failure = applySize(s.outWidth, s.outHeight, captureW, captureH, CompressorCatalog::limits("libx264"),
-                                 out.video)))
+        if ((failure = applySize(s.outWidth, s.outHeight, captureW, captureH,
+                                 CompressorCatalog::limits("libx264"), out.video)))
             return failure;
         out.video.hardwareWanted = s.hardware;
         failure = chooseAudio("aac", 48000, 2, 128000, out.audio);

@@ -1,8 +1,13 @@
 #include "recording/engine/MuxWriter.h"
 
+#include <cstdio>
+
 namespace mirabend {
 
-MuxWriter::~MuxWriter() { close(); }
+MuxWriter::~MuxWriter()
+{
+    close();
+}
 
 bool MuxWriter::needsGlobalHeader(const std::string& muxer)
 {
@@ -10,7 +15,8 @@ bool MuxWriter::needsGlobalHeader(const std::string& muxer)
     return format && (format->flags & AVFMT_GLOBALHEADER);
 }
 
-RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext* video, const AVCodecContext* audio)
+RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext* video,
+                                const AVCodecContext* audio)
 {
     AVFormatContext* raw = nullptr;
     int ret = avformat_alloc_output_context2(&raw, nullptr, plan.muxer.c_str(), plan.file.c_str());
@@ -50,8 +56,14 @@ RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext*
         options.set("flush_packets", "1");
     }
     ret = avformat_write_header(m_context.get(), options.slot());
-    if (ret < 0)
-        return {RecorderError::OutputOpenFailed, "cannot write the " + plan.muxer + " header: " + avErrorText(ret)};
+    if (ret < 0) {
+        // Leave no empty file behind for a recording that never started.
+        avio_closep(&m_context->pb);
+        m_fileOpen = false;
+        std::remove(plan.file.c_str());
+        return {RecorderError::OutputOpenFailed,
+                "cannot write the " + plan.muxer + " header: " + avErrorText(ret)};
+    }
     m_headerWritten = true;
     return {};
 }

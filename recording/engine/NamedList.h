@@ -12,7 +12,10 @@ namespace mirabend {
 class NamedList {
 public:
     NamedList() = default;
-    explicit NamedList(QStringList names) : m_names(std::move(names)) {}
+    explicit NamedList(QStringList names)
+        : m_names(std::move(names))
+    {
+    }
 
     int Count() const { return static_cast<int>(m_names.size()); }
     // The name at `index`, or "" outside the list.

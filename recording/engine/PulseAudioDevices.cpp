@@ -1,9 +1,8 @@
 // PulseAudio (and PipeWire's PulseAudio service): sources and their ports.
 #include "recording/engine/AudioDeviceCatalog.h"
 
-#include <pulse/pulseaudio.h>
-
 #include <algorithm>
+#include <pulse/pulseaudio.h>
 
 namespace mirabend {
 
@@ -95,7 +94,8 @@ void onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* data)
     device.name = QString::fromUtf8(info->description && *info->description ? info->description : info->name);
     for (uint32_t i = 0; i < info->n_ports; ++i) {
         const pa_source_port_info* port = info->ports[i];
-        device.pins << QString::fromUtf8(port->description && *port->description ? port->description : port->name);
+        device.pins << QString::fromUtf8(port->description && *port->description ? port->description
+                                                                                 : port->name);
         device.pinIds.push_back(port->name);
         if (info->active_port == port)
             device.activePin = int(i);
@@ -103,11 +103,17 @@ void onSourceInfo(pa_context*, const pa_source_info* info, int eol, void* data)
     listing->devices.push_back(std::move(device));
 }
 
-void onSuccess(pa_context*, int success, void* data) { *static_cast<int*>(data) = success; }
+void onSuccess(pa_context*, int success, void* data)
+{
+    *static_cast<int*>(data) = success;
+}
 
 class PulseAudioCatalog final : public AudioDeviceCatalog {
 public:
-    explicit PulseAudioCatalog(std::vector<AudioDeviceInfo> devices) : m_devices(std::move(devices)) {}
+    explicit PulseAudioCatalog(std::vector<AudioDeviceInfo> devices)
+        : m_devices(std::move(devices))
+    {
+    }
     const std::vector<AudioDeviceInfo>& devices() const override { return m_devices; }
 
     bool selectPin(const AudioDeviceInfo& device, int pin, std::string& error) override
@@ -143,7 +149,8 @@ std::unique_ptr<AudioDeviceCatalog> makePulseAudioCatalog()
         return nullptr;
     Listing listing;
     if (!pulse.wait(pa_context_get_server_info(pulse.context(), onServerInfo, &listing)) ||
-        !pulse.wait(pa_context_get_source_info_list(pulse.context(), onSourceInfo, &listing)) || !listing.success)
+        !pulse.wait(pa_context_get_source_info_list(pulse.context(), onSourceInfo, &listing)) ||
+        !listing.success)
         return nullptr;
     // The default source first: it is what a recording takes unless told
     // otherwise. Monitors of outputs stay in the list, after the inputs.
@@ -152,7 +159,8 @@ std::unique_ptr<AudioDeviceCatalog> makePulseAudioCatalog()
                          const auto rank = [&](const AudioDeviceInfo& d) {
                              if (d.id == listing.defaultSource)
                                  return 0;
-                             return d.id.size() >= 8 && d.id.compare(d.id.size() - 8, 8, ".monitor") == 0 ? 2 : 1;
+                             return d.id.size() >= 8 && d.id.compare(d.id.size() - 8, 8, ".monitor") == 0 ? 2
+                                                                                                          : 1;
                          };
                          return rank(a) < rank(b);
                      });

@@ -25,7 +25,10 @@ namespace {
 
 std::atomic<bool> g_stopRequested{false};
 
-void onStopSignal(int) { g_stopRequested = true; }
+void onStopSignal(int)
+{
+    g_stopRequested = true;
+}
 
 const char* errorName(RecorderError code)
 {
@@ -220,8 +223,9 @@ void list(Screen2Video& recorder, const Options& o)
         std::printf("Audio compressors (AVI):\n");
         for (const QString& n : recorder.AudioCompressors().Names())
             std::printf("  %s\n", qPrintable(n));
-        std::printf("Other formats: WMV Windows Media Video 8 + Windows Media Audio 2; FLV and SWF Sorenson Spark + "
-                    "MPEG Layer-3; MP4 and MKV H.264 + AAC\n");
+        std::printf(
+            "Other formats: WMV Windows Media Video 8 + Windows Media Audio 2; FLV and SWF Sorenson Spark + "
+            "MPEG Layer-3; MP4 and MKV H.264 + AAC\n");
         std::printf("WMV system profiles:\n");
         for (const QString& n : recorder.WmvSystemProfiles().Names())
             std::printf("  %s\n", qPrintable(n));
@@ -250,8 +254,9 @@ QString configure(Screen2Video& r, const Options& o)
     }
     const OutputFormatCode format = OutputFormatCode(o.format);
     if (format != OutputFormatCode::Avi && (!o.videoCodec.isEmpty() || !o.audioCodec.isEmpty()))
-        return QStringLiteral("--video-codec and --audio-codec choose AVI compressors; the other formats have "
-                              "fixed codecs (see --list-codecs)");
+        return QStringLiteral(
+            "--video-codec and --audio-codec choose AVI compressors; the other formats have "
+            "fixed codecs (see --list-codecs)");
     const int width = o.width;
     const int height = o.height;
     switch (format) {
@@ -277,13 +282,17 @@ QString configure(Screen2Video& r, const Options& o)
     }
     case OutputFormatCode::Wmv: {
         r.WmvUseProfile(true);
-        const QString name = width ? QStringLiteral("%1x%2.prx").arg(width).arg(height) : QStringLiteral("640x480S.prx");
+        const QString name =
+            width ? QStringLiteral("%1x%2.prx").arg(width).arg(height) : QStringLiteral("640x480S.prx");
         const QString file = profileFile(name);
         if (!file.isEmpty()) {
             r.WmvProfileFile(file);
-        } else if (width) {
-            return QStringLiteral("no WMV profile file %1; WMV sizes come from the shipped profiles").arg(name);
         } else {
+            // No shipped profile of that size: the screen profile, which
+            // records at the captured size.
+            if (width)
+                std::fprintf(stderr, "mirabend: no WMV profile %s; recording at the captured size\n",
+                             qPrintable(name));
             r.WmvProfileFile(QString());
             r.WmvProfileIndex(0);
         }
@@ -400,8 +409,8 @@ int runRecordScreen(int argc, char** argv)
             break;
         if (terminal) {
             const int s = int(c.secondsRecorded);
-            std::fprintf(stderr, "\r%02d:%02d:%02d  frames %llu  dropped %llu  ", s / 3600, s / 60 % 60, s % 60,
-                         static_cast<unsigned long long>(c.framesWritten),
+            std::fprintf(stderr, "\r%02d:%02d:%02d  frames %llu  dropped %llu  ", s / 3600, s / 60 % 60,
+                         s % 60, static_cast<unsigned long long>(c.framesWritten),
                          static_cast<unsigned long long>(c.framesDropped));
         }
     }
@@ -412,13 +421,14 @@ int runRecordScreen(int argc, char** argv)
     sigaction(SIGINT, &oldInt, nullptr);
     sigaction(SIGTERM, &oldTerm, nullptr);
     const RecorderCounters c = recorder.Counters();
-    std::fprintf(stderr,
-                 "mirabend: recorded %.1f s to %s: %llu frames written (%llu repeated), %llu captured, %llu dropped, "
-                 "%llu audio overruns\n",
-                 c.secondsRecorded, qPrintable(o.file), static_cast<unsigned long long>(c.framesWritten),
-                 static_cast<unsigned long long>(c.framesDuplicated),
-                 static_cast<unsigned long long>(c.framesCaptured), static_cast<unsigned long long>(c.framesDropped),
-                 static_cast<unsigned long long>(c.audioOverruns));
+    std::fprintf(
+        stderr,
+        "mirabend: recorded %.1f s to %s: %llu frames written (%llu repeated), %llu captured, %llu dropped, "
+        "%llu audio overruns\n",
+        c.secondsRecorded, qPrintable(o.file), static_cast<unsigned long long>(c.framesWritten),
+        static_cast<unsigned long long>(c.framesDuplicated),
+        static_cast<unsigned long long>(c.framesCaptured), static_cast<unsigned long long>(c.framesDropped),
+        static_cast<unsigned long long>(c.audioOverruns));
     return fatal ? 3 : 0;
 }
 

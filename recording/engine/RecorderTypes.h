@@ -49,7 +49,7 @@ struct RecorderCounters {
     std::uint64_t audioOverruns = 0;    // audio blocks lost because the encoder fell behind
     std::uint64_t audioSamplesWritten = 0;
     std::uint64_t bytesWritten = 0;
-    double secondsRecorded = 0;         // recorded time, pauses left out
+    double secondsRecorded = 0; // recorded time, pauses left out
 };
 
 // Failures collected from every thread; each is handed out once.

@@ -20,12 +20,20 @@ bool parseWindow(const QString& text, std::uint32_t& window)
     if (t.isEmpty())
         return true;
     bool ok = false;
-    const qulonglong value = t.startsWith(QLatin1String("0x"), Qt::CaseInsensitive) ? t.mid(2).toULongLong(&ok, 16)
-                                                                                      : t.toULongLong(&ok, 10);
+    const qulonglong value = t.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)
+                                 ? t.mid(2).toULongLong(&ok, 16)
+                                 : t.toULongLong(&ok, 10);
     if (!ok || value > 0xffffffffULL)
         return false;
     window = std::uint32_t(value);
     return true;
+}
+
+// Colours arrive as the options window's 32-bit values: red in the low
+// byte, then green, then blue (0x00BBGGRR).
+QColor colorOf(unsigned rgb)
+{
+    return QColor(int(rgb & 0xff), int((rgb >> 8) & 0xff), int((rgb >> 16) & 0xff));
 }
 
 } // namespace
@@ -42,7 +50,10 @@ Screen2Video::Screen2Video()
     SelectAudioDevice(0);
 }
 
-Screen2Video::~Screen2Video() { StopCapture(); }
+Screen2Video::~Screen2Video()
+{
+    StopCapture();
+}
 
 int Screen2Video::ScreenWidth() const
 {
@@ -107,14 +118,14 @@ void Screen2Video::ShowDateTime(bool on)
 void Screen2Video::DateTimeLayout(int formatIndex, int left, int top)
 {
     m_overlay->update([&](OverlaySettings& s) {
-        s.dateFormatIndex = formatIndex;
+        s.dateFormat = formatIndex;
         s.dateLeft = left;
         s.dateTop = top;
     });
 }
 void Screen2Video::DateTimeColor(unsigned rgb)
 {
-    m_overlay->update([&](OverlaySettings& s) { s.dateColor = rgb; });
+    m_overlay->update([&](OverlaySettings& s) { s.dateColor = colorOf(rgb); });
 }
 void Screen2Video::DateTimeFontName(const QString& name)
 {
@@ -154,21 +165,21 @@ void Screen2Video::TextStyle(int styleIndex, int)
 }
 void Screen2Video::TextColor(unsigned rgb)
 {
-    m_overlay->update([&](OverlaySettings& s) { s.textColor = rgb; });
+    m_overlay->update([&](OverlaySettings& s) { s.textColor = colorOf(rgb); });
 }
 void Screen2Video::TextOutlineColors(unsigned border, unsigned fill)
 {
     m_overlay->update([&](OverlaySettings& s) {
-        s.outlineColor = border;
-        s.outlineFill = fill;
+        s.outlineColor = colorOf(border);
+        s.outlineFillColor = colorOf(fill);
     });
 }
 void Screen2Video::HatchBrush(unsigned foreRgb, unsigned backRgb, int hatchIndex, int)
 {
     m_overlay->update([&](OverlaySettings& s) {
-        s.hatchFore = foreRgb;
-        s.hatchBack = backRgb;
-        s.hatchIndex = hatchIndex;
+        s.hatchForeColor = colorOf(foreRgb);
+        s.hatchBackColor = colorOf(backRgb);
+        s.hatchStyle = hatchIndex;
     });
 }
 void Screen2Video::TextureImage(const QString& file, int)
@@ -179,21 +190,28 @@ void Screen2Video::ShowImage(bool on)
 {
     m_overlay->update([&](OverlaySettings& s) { s.showImage = on; });
 }
-void Screen2Video::Image(const QString& file, unsigned transparentRgb, int left, int top, int transparency, int)
+void Screen2Video::Image(const QString& file, unsigned transparentRgb, int left, int top, int transparency,
+                         int)
 {
     m_overlay->update([&](OverlaySettings& s) {
         s.imageFile = file;
-        s.imageTransparent = transparentRgb;
+        s.imageTransparentColor = colorOf(transparentRgb);
         s.imageLeft = left;
         s.imageTop = top;
         s.imageTransparency = transparency;
     });
 }
-OverlaySettings Screen2Video::Overlay() const { return m_overlay->snapshot(); }
+OverlaySettings Screen2Video::Overlay() const
+{
+    return m_overlay->snapshot();
+}
 
 // ---- recording --------------------------------------------------------------
 
-void Screen2Video::remember(const RecorderFailure& failure) { m_failures->add(failure); }
+void Screen2Video::remember(const RecorderFailure& failure)
+{
+    m_failures->add(failure);
+}
 
 RecordingPlan Screen2Video::plan(RecorderFailure& failure) const
 {
@@ -309,7 +327,8 @@ bool Screen2Video::StartCapture()
     m_hardwareInUse = session->videoEncoder().hardware();
     m_encoderInUse = QString::fromStdString(session->videoEncoder().name());
     if (m_hardware && !m_hardwareInUse && !session->videoEncoder().hardwareNote().empty())
-        m_encoderInUse += QStringLiteral(" (%1)").arg(QString::fromStdString(session->videoEncoder().hardwareNote()));
+        m_encoderInUse +=
+            QStringLiteral(" (%1)").arg(QString::fromStdString(session->videoEncoder().hardwareNote()));
     std::lock_guard<std::mutex> lock(m_sessionMutex);
     m_session = std::move(session);
     return true;
@@ -354,7 +373,13 @@ RecorderCounters Screen2Video::Counters() const
     return m_session ? m_session->counters() : RecorderCounters{};
 }
 
-std::vector<RecorderFailure> Screen2Video::TakeFailures() { return m_failures->take(); }
-RecorderFailure Screen2Video::LastFailure() const { return m_failures->last(); }
+std::vector<RecorderFailure> Screen2Video::TakeFailures()
+{
+    return m_failures->take();
+}
+RecorderFailure Screen2Video::LastFailure() const
+{
+    return m_failures->last();
+}
 
 } // namespace mirabend

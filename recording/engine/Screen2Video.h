@@ -160,7 +160,8 @@ public:
     void HatchBrush(unsigned foreRgb, unsigned backRgb, int hatchIndex, int extra = 0);
     void TextureImage(const QString& file, int extra = 0);
     void ShowImage(bool on);
-    void Image(const QString& file, unsigned transparentRgb, int left, int top, int transparency, int extra = 0);
+    void Image(const QString& file, unsigned transparentRgb, int left, int top, int transparency,
+               int extra = 0);
     OverlaySettings Overlay() const;
 
     // ---- recording --------------------------------------------------------
@@ -173,7 +174,7 @@ public:
     void PauseCapture();
     void ResumeCapture();
 
-    bool IsCapturing() const;     // started and not yet stopped or finished
+    bool IsCapturing() const; // started and not yet stopped or finished
     bool IsPaused() const;
     RecorderCounters Counters() const;
     // Failures since the last call, each reported once (a full disk, a closed

@@ -13,15 +13,30 @@ constexpr std::int64_t kOpen = std::numeric_limits<std::int64_t>::max();
 void RecordingClock::start(std::int64_t now)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_started)
+        return;
     m_start = now;
     m_started = true;
     m_pauses.clear();
+    // A pause asked for before the first frame begins with the recording.
+    if (m_pendingPause)
+        m_pauses.push_back({now, kOpen});
+}
+
+bool RecordingClock::started() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_started;
 }
 
 void RecordingClock::pause(std::int64_t now)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_started || (!m_pauses.empty() && m_pauses.back().end == kOpen))
+    if (!m_started) {
+        m_pendingPause = true;
+        return;
+    }
+    if (!m_pauses.empty() && m_pauses.back().end == kOpen)
         return;
     m_pauses.push_back({std::max(now, m_start), kOpen});
 }
@@ -29,6 +44,10 @@ void RecordingClock::pause(std::int64_t now)
 void RecordingClock::resume(std::int64_t now)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_started) {
+        m_pendingPause = false;
+        return;
+    }
     if (m_pauses.empty() || m_pauses.back().end != kOpen)
         return;
     m_pauses.back().end = std::max(now, m_pauses.back().begin);
@@ -37,6 +56,8 @@ void RecordingClock::resume(std::int64_t now)
 bool RecordingClock::paused() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_started)
+        return m_pendingPause;
     return !m_pauses.empty() && m_pauses.back().end == kOpen;
 }
 
@@ -105,7 +126,8 @@ std::int64_t FrameGrid::slotOf(std::int64_t mediaUs) const
 {
     // Round to the nearest slot: slot = media * num / (den * 1e6). Long
     // double keeps 64 bits of mantissa, exact for any recording length.
-    const long double slot = static_cast<long double>(mediaUs) * m_num / (static_cast<long double>(m_den) * 1e6L);
+    const long double slot =
+        static_cast<long double>(mediaUs) * m_num / (static_cast<long double>(m_den) * 1e6L);
     return std::llround(slot);
 }
 
@@ -128,7 +150,8 @@ std::optional<std::int64_t> FrameGrid::place(std::int64_t mediaUs)
 }
 
 AudioTimeline::AudioTimeline(int sampleRate, std::int64_t toleranceUs)
-    : m_rate(sampleRate), m_tolerance(toleranceUs * sampleRate / 1000000)
+    : m_rate(sampleRate)
+    , m_tolerance(toleranceUs * sampleRate / 1000000)
 {
 }
 

@@ -17,7 +17,10 @@ namespace mirabend {
 
 class RecordingClock {
 public:
+    // The recording's time begins at the first captured frame; later calls
+    // change nothing. Pauses asked for before it are kept.
     void start(std::int64_t now);
+    bool started() const;
     // A second pause while paused, or a resume while running, is ignored.
     void pause(std::int64_t now);
     void resume(std::int64_t now);
@@ -34,8 +37,8 @@ public:
     struct Segment {
         std::int64_t offsetUs; // from the span's start
         std::int64_t lengthUs;
-        std::int64_t mediaUs;  // media time of the segment's start
-        int epoch;             // pauses begun before the segment
+        std::int64_t mediaUs; // media time of the segment's start
+        int epoch;            // pauses begun before the segment
     };
     std::vector<Segment> segments(std::int64_t stamp, std::int64_t length) const;
 
@@ -47,6 +50,7 @@ private:
     mutable std::mutex m_mutex;
     std::int64_t m_start = 0;
     bool m_started = false;
+    bool m_pendingPause = false;
     std::vector<Pause> m_pauses;
 };
 
@@ -61,7 +65,11 @@ private:
 // consecutive slots instead of flickering between two.
 class FrameGrid {
 public:
-    FrameGrid(int fpsNum, int fpsDen) : m_num(fpsNum), m_den(fpsDen) {}
+    FrameGrid(int fpsNum, int fpsDen)
+        : m_num(fpsNum)
+        , m_den(fpsDen)
+    {
+    }
     // The nearest slot of a media time, ignoring the phase.
     std::int64_t slotOf(std::int64_t mediaUs) const;
     // The slot for the frame, or nothing when it must be dropped.
@@ -87,8 +95,8 @@ class AudioTimeline {
 public:
     AudioTimeline(int sampleRate, std::int64_t toleranceUs);
     struct Placement {
-        std::int64_t silence = 0; // samples of silence to write first
-        std::int64_t skip = 0;    // samples to cut from the start of the block
+        std::int64_t silence = 0;  // samples of silence to write first
+        std::int64_t skip = 0;     // samples to cut from the start of the block
         std::int64_t position = 0; // sample index of the first written sample of the block
     };
     Placement place(std::int64_t mediaUs, std::int64_t samples);

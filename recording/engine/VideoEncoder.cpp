@@ -8,8 +8,8 @@ extern "C" {
 
 namespace mirabend {
 
-CodecContextPtr VideoEncoder::makeContext(const AVCodec* codec, const RecordingPlan& plan, AVPixelFormat format,
-                                          bool globalHeader) const
+CodecContextPtr VideoEncoder::makeContext(const AVCodec* codec, const RecordingPlan& plan,
+                                          AVPixelFormat format, bool globalHeader) const
 {
     CodecContextPtr c(avcodec_alloc_context3(codec));
     if (!c)
@@ -106,19 +106,21 @@ bool VideoEncoder::openSoftware(const RecordingPlan& plan, bool globalHeader, st
     return true;
 }
 
-RecorderFailure VideoEncoder::open(const RecordingPlan& plan, int sourceWidth, int sourceHeight, bool globalHeader)
+RecorderFailure VideoEncoder::open(const RecordingPlan& plan, int sourceWidth, int sourceHeight,
+                                   bool globalHeader)
 {
     m_sourceWidth = sourceWidth;
     m_sourceHeight = sourceHeight;
     if (plan.video.hardwareWanted && plan.video.encoder == "libx264") {
-        if (!openHardware(plan, "h264_vaapi", globalHeader) && !openHardware(plan, "h264_nvenc", globalHeader))
+        if (!openHardware(plan, "h264_vaapi", globalHeader) &&
+            !openHardware(plan, "h264_nvenc", globalHeader))
             m_hardwareNote = "no VA-API or NVENC H.264 encoder works here; encoding in software";
     }
     std::string error;
     if (!m_codec && !openSoftware(plan, globalHeader, error))
         return {RecorderError::EncoderUnavailable, error};
-    m_scaler.reset(sws_getContext(sourceWidth, sourceHeight, AV_PIX_FMT_BGR0, plan.video.width, plan.video.height,
-                                  m_swFormat, SWS_BILINEAR, nullptr, nullptr, nullptr));
+    m_scaler.reset(sws_getContext(sourceWidth, sourceHeight, AV_PIX_FMT_BGR0, plan.video.width,
+                                  plan.video.height, m_swFormat, SWS_BILINEAR, nullptr, nullptr, nullptr));
     if (!m_scaler)
         return {RecorderError::EncoderUnavailable, "cannot convert the screen picture to " + m_name};
     return {};

@@ -18,14 +18,14 @@ std::vector<WmvProfile> makeSystemProfiles()
     list.push_back({QStringLiteral("Screen Video/Audio High (CBR)"), 0, 0, 0, 2000000, 8, 64000, 44100, 2});
     list.push_back({QStringLiteral("Screen Video/Audio Medium (CBR)"), 0, 0, 0, 1000000, 8, 48000, 44100, 2});
     list.push_back({QStringLiteral("Screen Video/Audio Low (CBR)"), 0, 0, 0, 400000, 10, 32000, 22050, 1});
-    list.push_back({QStringLiteral("Windows Media Video 8 for Local Area Network (768 Kbps)"), 640, 480, 0, 700000,
-                    8, 64000, 44100, 2});
-    list.push_back({QStringLiteral("Windows Media Video 8 for Local Area Network (384 Kbps)"), 320, 240, 0, 340000,
-                    8, 48000, 44100, 2});
-    list.push_back({QStringLiteral("Windows Media Video 8 for Broadband (NTSC, 1400 Kbps)"), 640, 480, 0, 1300000,
-                    8, 64000, 44100, 2});
-    list.push_back({QStringLiteral("Windows Media Video 8 for Dial-up Modems (56 Kbps)"), 160, 120, 15, 40000, 10,
-                    32000, 22050, 1});
+    list.push_back({QStringLiteral("Windows Media Video 8 for Local Area Network (768 Kbps)"), 640, 480, 0,
+                    700000, 8, 64000, 44100, 2});
+    list.push_back({QStringLiteral("Windows Media Video 8 for Local Area Network (384 Kbps)"), 320, 240, 0,
+                    340000, 8, 48000, 44100, 2});
+    list.push_back({QStringLiteral("Windows Media Video 8 for Broadband (NTSC, 1400 Kbps)"), 640, 480, 0,
+                    1300000, 8, 64000, 44100, 2});
+    list.push_back({QStringLiteral("Windows Media Video 8 for Dial-up Modems (56 Kbps)"), 160, 120, 15, 40000,
+                    10, 32000, 22050, 1});
     return list;
 }
 
@@ -75,7 +75,9 @@ std::optional<WmvProfile> WmvProfiles::readFile(const QString& path, QString* er
             profile.name = a.value(QLatin1String("name")).toString();
         } else if (tag == QLatin1String("streamconfig")) {
             const QString type = a.value(QLatin1String("majortype")).toString().toUpper();
-            stream = type == QLatin1String(kAudioType) ? Audio : type == QLatin1String(kVideoType) ? Video : None;
+            stream = type == QLatin1String(kAudioType)   ? Audio
+                     : type == QLatin1String(kVideoType) ? Video
+                                                         : None;
             const qint64 bitrate = number(a, "bitrate", 0);
             if (stream == Audio && bitrate > 0)
                 profile.audioBitrate = bitrate;
@@ -125,11 +127,12 @@ QByteArray WmvProfiles::toXml(const WmvProfile& p)
     QString xml;
     xml += QStringLiteral("<profile version=\"589824\" storageformat=\"1\" name=\"%1\" description=\"\">\n")
                .arg(p.name.toHtmlEscaped());
-    xml += QStringLiteral("  <streamconfig majortype=\"%1\" streamnumber=\"1\" streamname=\"Audio Stream\" "
-                          "inputname=\"Audio409\" bitrate=\"%2\" bufferwindow=\"3000\" reliabletransport=\"0\" "
-                          "decodercomplexity=\"\" rfc1766langid=\"en-us\">\n")
-               .arg(QLatin1String(kAudioType))
-               .arg(p.audioBitrate);
+    xml +=
+        QStringLiteral("  <streamconfig majortype=\"%1\" streamnumber=\"1\" streamname=\"Audio Stream\" "
+                       "inputname=\"Audio409\" bitrate=\"%2\" bufferwindow=\"3000\" reliabletransport=\"0\" "
+                       "decodercomplexity=\"\" rfc1766langid=\"en-us\">\n")
+            .arg(QLatin1String(kAudioType))
+            .arg(p.audioBitrate);
     xml += QStringLiteral("    <wmmediatype subtype=\"{00000161-0000-0010-8000-00AA00389B71}\" "
                           "bfixedsizesamples=\"1\" btemporalcompression=\"0\" lsamplesize=\"%1\">\n")
                .arg(blockAlign);
@@ -140,25 +143,28 @@ QByteArray WmvProfiles::toXml(const WmvProfile& p)
                .arg(p.audioBitrate / 8)
                .arg(blockAlign);
     xml += QStringLiteral("    </wmmediatype>\n  </streamconfig>\n");
-    xml += QStringLiteral("  <streamconfig majortype=\"%1\" streamnumber=\"2\" streamname=\"Video Stream\" "
-                          "inputname=\"Video409\" bitrate=\"%2\" bufferwindow=\"5000\" reliabletransport=\"0\" "
-                          "decodercomplexity=\"AU\" rfc1766langid=\"en-us\">\n")
-               .arg(QLatin1String(kVideoType))
-               .arg(p.videoBitrate);
+    xml +=
+        QStringLiteral("  <streamconfig majortype=\"%1\" streamnumber=\"2\" streamname=\"Video Stream\" "
+                       "inputname=\"Video409\" bitrate=\"%2\" bufferwindow=\"5000\" reliabletransport=\"0\" "
+                       "decodercomplexity=\"AU\" rfc1766langid=\"en-us\">\n")
+            .arg(QLatin1String(kVideoType))
+            .arg(p.videoBitrate);
     xml += QStringLiteral("    <videomediaprops maxkeyframespacing=\"%1\" quality=\"75\"/>\n")
                .arg(qint64(p.keyFrameSeconds) * 10000000);
     xml += QStringLiteral("    <wmmediatype subtype=\"{33564D57-0000-0010-8000-00AA00389B71}\" "
                           "bfixedsizesamples=\"0\" btemporalcompression=\"1\" lsamplesize=\"0\">\n");
-    xml += QStringLiteral("      <videoinfoheader dwbitrate=\"%1\" dwbiterrorrate=\"0\" avgtimeperframe=\"%2\">\n")
+    xml += QStringLiteral(
+               "      <videoinfoheader dwbitrate=\"%1\" dwbiterrorrate=\"0\" avgtimeperframe=\"%2\">\n")
                .arg(p.videoBitrate)
                .arg(perFrame);
     xml += QStringLiteral("        <rcsource left=\"0\" top=\"0\" right=\"%1\" bottom=\"%2\"/>\n"
                           "        <rctarget left=\"0\" top=\"0\" right=\"%1\" bottom=\"%2\"/>\n")
                .arg(p.width)
                .arg(p.height);
-    xml += QStringLiteral("        <bitmapinfoheader biwidth=\"%1\" biheight=\"%2\" biplanes=\"1\" bibitcount=\"24\" "
-                          "bicompression=\"WMV3\" bisizeimage=\"0\" bixpelspermeter=\"0\" biypelspermeter=\"0\" "
-                          "biclrused=\"0\" biclrimportant=\"0\"/>\n")
+    xml += QStringLiteral(
+               "        <bitmapinfoheader biwidth=\"%1\" biheight=\"%2\" biplanes=\"1\" bibitcount=\"24\" "
+               "bicompression=\"WMV3\" bisizeimage=\"0\" bixpelspermeter=\"0\" biypelspermeter=\"0\" "
+               "biclrused=\"0\" biclrimportant=\"0\"/>\n")
                .arg(p.width)
                .arg(p.height);
     xml += QStringLiteral("      </videoinfoheader>\n    </wmmediatype>\n  </streamconfig>\n</profile>\n");

@@ -16,7 +16,7 @@ namespace mirabend {
 
 struct WmvProfile {
     QString name;
-    int width = 0;  // 0: the captured size
+    int width = 0; // 0: the captured size
     int height = 0;
     double frameRate = 0; // 0: the control's FrameRate
     std::int64_t videoBitrate = 1000000;

@@ -31,6 +31,24 @@ TEST(RecordingClockTest, PausesAreCutOutOfMediaTime)
     EXPECT_EQ(clock.pauseCount(), 1);
 }
 
+TEST(RecordingClockTest, APauseBeforeTheFirstFrameHoldsFromTheStart)
+{
+    RecordingClock clock;
+    clock.pause(500);
+    EXPECT_TRUE(clock.paused());
+    clock.start(1000);
+    clock.start(2000); // the first start counts
+    EXPECT_FALSE(clock.mediaTime(1500));
+    clock.resume(3000);
+    EXPECT_EQ(*clock.mediaTime(3500), 500);
+
+    RecordingClock other;
+    other.pause(100);
+    other.resume(200); // undone before anything was recorded
+    other.start(1000);
+    EXPECT_EQ(*other.mediaTime(1100), 100);
+}
+
 TEST(RecordingClockTest, SegmentsSplitABlockAtStartAndPauses)
 {
     RecordingClock clock;

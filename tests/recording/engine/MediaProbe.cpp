@@ -98,3 +98,52 @@ MediaInfo probe(const std::string& file)
 }
 
 } // namespace mirabend::test
+
+namespace mirabend::test {
+
+int brightestLuma(const std::string& file, int x, int y, int w, int h)
+{
+    AVFormatContext* raw = nullptr;
+    if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
+        return -1;
+    InputContextPtr input(raw);
+    if (avformat_find_stream_info(input.get(), nullptr) < 0)
+        return -1;
+    const int index = av_find_best_stream(input.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+    if (index < 0)
+        return -1;
+    const AVCodecParameters* p = input->streams[index]->codecpar;
+    const AVCodec* codec = avcodec_find_decoder(p->codec_id);
+    CodecContextPtr decoder(avcodec_alloc_context3(codec));
+    avcodec_parameters_to_context(decoder.get(), p);
+    if (avcodec_open2(decoder.get(), codec, nullptr) < 0)
+        return -1;
+    PacketPtr packet = makePacket();
+    FramePtr frame = makeFrame();
+    FramePtr gray = makeFrame();
+    while (av_read_frame(input.get(), packet.get()) >= 0) {
+        const bool mine = packet->stream_index == index;
+        if (mine)
+            avcodec_send_packet(decoder.get(), packet.get());
+        av_packet_unref(packet.get());
+        if (!mine || avcodec_receive_frame(decoder.get(), frame.get()) < 0)
+            continue;
+        SwsPtr sws(sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format), frame->width,
+                                  frame->height, AV_PIX_FMT_GRAY8, SWS_POINT, nullptr, nullptr, nullptr));
+        gray->format = AV_PIX_FMT_GRAY8;
+        gray->width = frame->width;
+        gray->height = frame->height;
+        if (!sws || av_frame_get_buffer(gray.get(), 0) < 0)
+            return -1;
+        sws_scale(sws.get(), frame->data, frame->linesize, 0, frame->height, gray->data, gray->linesize);
+        int best = 0;
+        for (int row = y; row < std::min(y + h, gray->height); ++row) {
+            for (int col = x; col < std::min(x + w, gray->width); ++col)
+                best = std::max(best, int(gray->data[0][row * gray->linesize[0] + col]));
+        }
+        return best;
+    }
+    return -1;
+}
+
+} // namespace mirabend::test

@@ -23,3 +23,11 @@ struct MediaInfo {
 MediaInfo probe(const std::string& file);
 
 } // namespace mirabend::test
+
+namespace mirabend::test {
+
+// The brightest luma (0..255) in a rectangle of the first decoded video
+// frame, or -1 when no frame decodes.
+int brightestLuma(const std::string& file, int x, int y, int w, int h);
+
+} // namespace mirabend::test

@@ -20,10 +20,13 @@ PulseServer::PulseServer()
     if (const char* previous = getenv("PULSE_SERVER"))
         m_previousServer = previous;
     m_process.start({"pulseaudio", "--daemonize=no", "--exit-idle-time=-1", "-n", "-L",
-                     "module-native-protocol-unix auth-anonymous=1", "-L", "module-null-sink sink_name=rec", "-L",
-                     "module-sine-source source_name=mic"},
+                     "module-native-protocol-unix auth-anonymous=1", "-L", "module-null-sink sink_name=rec",
+                     "-L", "module-sine-source source_name=mic"},
                     {"PULSE_RUNTIME_PATH=" + run, "XDG_RUNTIME_DIR=" + run, "HOME=" + home,
-                     "PULSE_SERVER=unix:" + m_socket},
+                     "PULSE_SERVER=unix:" + m_socket,
+                     // No session bus: the server would claim org.PulseAudio1
+                     // there, and a second private server could not start.
+                     "DBUS_SESSION_BUS_ADDRESS=unix:path=" + m_folder.file("no-bus")},
                     m_folder.file("pulse.log"));
     for (int i = 0; i < 200; ++i) {
         struct stat st {};

@@ -2,4 +2,7 @@
 // executable would, so the tests can start, signal and kill it.
 #include "recording/engine/RecordScreenTool.h"
 
-int main(int argc, char** argv) { return mirabend::kRecordScreenTool.run(argc, argv); }
+int main(int argc, char** argv)
+{
+    return mirabend::kRecordScreenTool.run(argc, argv);
+}
