@@ -1,7 +1,7 @@
 // Real recordings of a private Xvfb screen with sound from a private
 // PulseAudio server, read back with libavformat.
-#include "MediaProbe.h"
-#include "PulseServer.h"
+#include "support/MediaProbe.h"
+#include "support/PulseServer.h"
 #include "recording/engine/Screen2Video.h"
 #include "support/ChildProcess.h"
 

@@ -1,4 +1,4 @@
-#include "MediaProbe.h"
+#include "support/MediaProbe.h"
 
 #include "recording/engine/FfmpegHandles.h"
 

@@ -1,4 +1,4 @@
-#include "PulseServer.h"
+#include "support/PulseServer.h"
 
 #include <chrono>
 #include <cstdio>

@@ -1,0 +1,157 @@
+// The installed program as a user drives it: a private X display, session
+// bus and sound server, the real mirabend executable, remote commands from a
+// second mirabend process, and the recorded file read back with libavformat.
+#include "support/MediaProbe.h"
+#include "support/PulseServer.h"
+#include "support/ChildProcess.h"
+#include "support/XvfbServer.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <unistd.h>
+
+namespace mirabend::test {
+namespace {
+
+std::string mirabendPath()
+{
+    const char* dir = std::getenv("MIRABEND_BINARY_DIR");
+    return std::string(dir ? dir : ".") + "/bin/mirabend";
+}
+
+void sleepMs(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+
+// A private session bus, stopped by its process id.
+class SessionBus {
+public:
+    SessionBus()
+    {
+        int fds[2];
+        if (pipe(fds) != 0)
+            return;
+        m_process.start({"dbus-daemon", "--session", "--nofork", "--print-address=" + std::to_string(fds[1])}, {},
+                        {}, fds[1]);
+        close(fds[1]);
+        char buffer[512] = {};
+        ssize_t n = 0;
+        for (int tries = 0; tries < 100 && n <= 0; ++tries) {
+            n = read(fds[0], buffer, sizeof buffer - 1);
+            if (n <= 0)
+                sleepMs(20);
+        }
+        close(fds[0]);
+        m_address = std::string(buffer, n > 0 ? static_cast<std::size_t>(n) : 0);
+        while (!m_address.empty() && (m_address.back() == '\n' || m_address.back() == '\r'))
+            m_address.pop_back();
+    }
+    const std::string& address() const { return m_address; }
+
+private:
+    ChildProcess m_process;
+    std::string m_address;
+};
+
+class EndToEnd : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(xvfb.ok()) << "Xvfb did not start";
+        ASSERT_FALSE(bus.address().empty()) << "dbus-daemon did not start";
+        ASSERT_TRUE(pulse.ok()) << "PulseAudio did not start";
+        setenv("DISPLAY", xvfb.display().c_str(), 1);
+        setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
+        setenv("QT_QPA_PLATFORM", "xcb", 1);
+        env = {"DISPLAY=" + xvfb.display(), "DBUS_SESSION_BUS_ADDRESS=" + bus.address(), "QT_QPA_PLATFORM=xcb",
+               "HOME=" + home.path(), "XDG_DATA_HOME=" + home.path()};
+    }
+
+    // Runs `mirabend ARGS` to completion; returns its exit code.
+    int run(const std::vector<std::string>& args)
+    {
+        std::vector<std::string> argv{mirabendPath()};
+        argv.insert(argv.end(), args.begin(), args.end());
+        ChildProcess client;
+        if (!client.start(argv, env, home.file("client.log")))
+            return -1;
+        return client.wait(15000);
+    }
+
+    // Starts the main window and waits until it answers remote commands.
+    bool startProgram()
+    {
+        if (!app.start({mirabendPath()}, env, home.file("mirabend.log")))
+            return false;
+        for (int i = 0; i < 100; ++i) {
+            if (run({"--command", "start1"}) == 0)
+                return true;
+            sleepMs(100);
+        }
+        return false;
+    }
+
+    std::string log() const
+    {
+        std::ifstream in(home.file("mirabend.log"));
+        std::string text, line;
+        while (std::getline(in, line))
+            text += line + "\n";
+        return text;
+    }
+
+    XvfbServer xvfb;
+    SessionBus bus;
+    PulseServer pulse;
+    TempFolder home{"mirabend-e2e"};
+    std::vector<std::string> env;
+    ChildProcess app;
+};
+
+TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
+{
+    EXPECT_NE(run({"--command", "stop"}), 0) << "no instance runs yet: the client says so";
+    ASSERT_TRUE(startProgram());
+    const std::string file = home.file("talk.mkv");
+    ASSERT_EQ(run({"--command", "side"}), 0);
+    using Clock = std::chrono::steady_clock;
+    const auto started = Clock::now();
+    ASSERT_EQ(run({"--record-to", file}), 0);
+    sleepMs(3000);
+    ASSERT_EQ(run({"--command", "pause"}), 0);
+    const auto paused = Clock::now();
+    sleepMs(2000);
+    ASSERT_EQ(run({"--command", "pause"}), 0);
+    const auto resumed = Clock::now();
+    ASSERT_EQ(run({"--command", "mix"}), 0);
+    sleepMs(2000);
+    ASSERT_EQ(run({"--command", "stop"}), 0);
+    const auto stopped = Clock::now();
+    sleepMs(500);
+    app.stop();
+
+    const MediaInfo info = probe(file);
+    ASSERT_TRUE(info.opened) << file << "\n" << log();
+    EXPECT_EQ(info.videoCodec, "h264");
+    EXPECT_EQ(info.audioCodec, "aac");
+    EXPECT_EQ(info.width, 800) << "the stage is what is recorded";
+    EXPECT_EQ(info.height, 600);
+    // The file is the time between start and stop less the pause. Each
+    // remote command is a process start, and the capture needs a moment to
+    // open its devices, so the bounds allow for a second of latency.
+    const auto seconds = [](Clock::duration d) { return std::chrono::duration<double>(d).count(); };
+    const double wall = seconds(stopped - started);
+    const double pause = seconds(resumed - paused);
+    std::printf("recorded: video %.2f s (%ld frames), audio %.2f s; wall %.2f s, paused %.2f s\n",
+                info.videoSeconds, info.videoPackets, info.audioSeconds, wall, pause);
+    EXPECT_LT(info.videoSeconds, wall - pause + 0.5) << "the pause is left out";
+    EXPECT_GT(info.videoSeconds, wall - pause - 2.5);
+    EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.5) << "sound and picture stay together";
+    EXPECT_GT(info.audioRms, 0.01) << "the sine source is audible";
+}
+
+} // namespace
+} // namespace mirabend::test
