@@ -11,6 +11,7 @@
 #include "util/Clock.h"
 
 #include <QDBusConnection>
+#include <QTimer>
 #include <cstdio>
 
 namespace mirabend {
@@ -26,7 +27,11 @@ RecordingWiring::RecordingWiring(Mirabend_frm& window, Prompts& prompts)
 
     CaptureOptions_frm* form = m_form;
     m_remote = std::make_unique<RemoteControlService>(
-        [&window](const QString& key) { window.commands().perform(key); },
+        [&window](const QString& key) {
+            // Performed from the event loop, not inside the bus call: a
+            // command may open a dialog, and the caller must not wait on it.
+            QTimer::singleShot(0, &window, [&window, key] { window.commands().perform(key); });
+        },
         [form](const QString& file) { return RecordingSession::startToText(form->StartRecPreTo(file), file); });
     const RemoteFailure failure = m_remote->registerOn(QDBusConnection::sessionBus());
     if (failure) {
