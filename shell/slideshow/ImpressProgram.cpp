@@ -32,6 +32,7 @@
 #include <com/sun/star/presentation/XPresentation2.hpp>
 #include <com/sun/star/presentation/XPresentationSupplier.hpp>
 #include <com/sun/star/presentation/XSlideShowController.hpp>
+#include <com/sun/star/task/XInteractionHandler.hpp>
 #include <com/sun/star/ui/XSidebarProvider.hpp>
 #include <com/sun/star/util/XCloseable.hpp>
 
@@ -280,6 +281,11 @@ struct ImpressProgram::Impl {
             propertyValue("Hidden", uno::Any(false)),
             propertyValue("MacroExecutionMode", uno::Any(document::MacroExecMode::NEVER_EXECUTE)),
             propertyValue("UpdateDocMode", uno::Any(document::UpdateDocMode::NO_UPDATE)),
+            // A visible frame would get the office's interactive handler,
+            // and a damaged file would wait on a dialog in the office
+            // forever. An empty handler makes every question a failure.
+            propertyValue("InteractionHandler",
+                          uno::Any(uno::Reference<com::sun::star::task::XInteractionHandler>())),
         };
         const rtl::OUString filter = quietFilterFor(path);
         if (!filter.isEmpty())
