@@ -334,7 +334,12 @@ struct ImpressProgram::Impl {
         const uno::Reference<beans::XPropertySet> settings(s.presentation, uno::UNO_QUERY_THROW);
         setQuietly(settings, "IsFullScreen", uno::Any(false));
         setQuietly(settings, "IsAlwaysOnTop", uno::Any(false));
-        setQuietly(settings, "IsEndless", uno::Any(false));
+        // Only Mirabend's commands move the show: a click in the pane does
+        // not, and a key pressed past the last slide starts over instead of
+        // showing the black end screen.
+        setQuietly(settings, "IsTransitionOnClick", uno::Any(false));
+        setQuietly(settings, "IsEndless", uno::Any(true));
+        setQuietly(settings, "Pause", uno::Any(sal_Int32(0)));
         setQuietly(settings, "StartWithNavigator", uno::Any(false));
         setQuietly(settings, "UsePen", uno::Any(false));
         setQuietly(settings, "IsShowLogo", uno::Any(false));
