@@ -1,9 +1,9 @@
 #include "shell/slideshow/SlideShowFactory.h"
 
+#include "shell/slideshow/NoPresentationProgram.h"
+
 #ifdef MIRABEND_HAVE_UNO
 #include "shell/slideshow/ImpressProgram.h"
-#else
-#include "shell/slideshow/NoPresentationProgram.h"
 #endif
 
 namespace mirabend {

@@ -2,6 +2,7 @@
 // dialog asks, what the main window's fields say after opens, failures and
 // navigation, and the embedding fallback for a show at top level.
 #include "FakePresentationProgram.h"
+#include "shell/slideshow/NoPresentationProgram.h"
 #include "shell/slideshow/SlideShow.h"
 #include "support/ChildProcess.h"
 #include "support/ScriptedPrompts.h"
@@ -346,6 +347,21 @@ TEST_F(SlideShowTest, ShutdownEndsTheProgramAndDropsAWaitingOpen)
     program->finishPrepare();
     EXPECT_TRUE(program->openedPaths.isEmpty());
     EXPECT_EQ(ppt_txt->text(), "no");
+}
+
+TEST_F(SlideShowTest, WithoutAPresentationProgramEveryOpenFailsWithTheMessage)
+{
+    SlideShow bare(fields, std::make_unique<NoPresentationProgram>(), &windows);
+    QSignalSpy finished(&bare, &SlideShow::finished);
+    prompts.answerFile(deckPath());
+    bare.openSlides();
+    ASSERT_TRUE(finished.wait(1000));
+    EXPECT_FALSE(finished[0][0].toBool());
+    expectFailureBox();
+    EXPECT_EQ(ppt_txt->text(), "no");
+    bare.navigate(QStringLiteral("next"));
+    bare.PresentSize();
+    EXPECT_EQ(slideNow_txt->text(), "");
 }
 
 } // namespace
