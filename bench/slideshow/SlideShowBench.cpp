@@ -15,10 +15,10 @@
 #include "util/Prompts.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
-#include <QFile>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QEventLoop>
+#include <QFile>
 #include <QGuiApplication>
 #include <QImage>
 #include <QLineEdit>
@@ -43,16 +43,15 @@ const char* const kDeck = MIRABEND_RUNTIME_DIR "/Welcome.ppt";
 
 // Each run opens its own copy: an office ended by signal leaves its lock
 // file next to the deck.
-QString deckCopy(const QTemporaryDir& folder)
-{
+QString deckCopy(const QTemporaryDir& folder) {
     const QString copy = folder.filePath(QStringLiteral("Welcome.ppt"));
     QFile::copy(QString::fromUtf8(kDeck), copy);
     return copy;
 }
 const QColor kSlideBackground(0x16, 0x24, 0x3f); // the welcome deck's background
 const qint64 kGiveUpMs = qEnvironmentVariableIntValue("MIRABEND_BENCH_GIVE_UP_MS") > 0
-                              ? qEnvironmentVariableIntValue("MIRABEND_BENCH_GIVE_UP_MS")
-                              : 120000;
+                             ? qEnvironmentVariableIntValue("MIRABEND_BENCH_GIVE_UP_MS")
+                             : 120000;
 
 // Half of a 580 x 435 slide.
 constexpr int kSlidePixels = 580 * 435 / 2;
@@ -60,9 +59,9 @@ constexpr int kSlidePixels = 580 * 435 / 2;
 // True when the deck's first slide is on screen anywhere: a large area in
 // the deck's background colour (the same test for the pane and for the
 // office's own window, wherever that opens).
-bool slideVisible()
-{
-    const QImage image = QGuiApplication::primaryScreen()->grabWindow(0).toImage().convertToFormat(QImage::Format_RGB32);
+bool slideVisible() {
+    const QImage image =
+        QGuiApplication::primaryScreen()->grabWindow(0).toImage().convertToFormat(QImage::Format_RGB32);
     const QRgb wanted = kSlideBackground.rgb();
     int matching = 0;
     for (int y = 0; y < image.height(); y += 2) {
@@ -78,8 +77,7 @@ bool slideVisible()
 }
 
 // Polls the screen (letting events run) until the slide shows.
-qint64 waitForSlide(const QElapsedTimer& clock)
-{
+qint64 waitForSlide(const QElapsedTimer& clock) {
     while (clock.elapsed() < kGiveUpMs) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
         if (slideVisible())
@@ -91,8 +89,7 @@ qint64 waitForSlide(const QElapsedTimer& clock)
 
 class NoPrompts final : public mirabend::Prompts {
 public:
-    mirabend::PromptAnswer message(const mirabend::MessageRequest& r) override
-    {
+    mirabend::PromptAnswer message(const mirabend::MessageRequest& r) override {
         std::fprintf(stderr, "message: %s\n", qPrintable(r.text));
         return mirabend::PromptAnswer::Ok;
     }
@@ -101,8 +98,7 @@ public:
     std::optional<QColor> chooseColor(const QColor&, const QString&) override { return std::nullopt; }
 };
 
-qint64 runOurs()
-{
+qint64 runOurs() {
     QMainWindow window;
     auto* frmSS = new QWidget(&window);
     window.setCentralWidget(new QWidget);
@@ -138,8 +134,7 @@ qint64 runOurs()
     return ms;
 }
 
-qint64 runPeer()
-{
+qint64 runPeer() {
     QTemporaryDir profile(QDir::tempPath() + QStringLiteral("/mirabend-bench-XXXXXX"));
     const QString deck = deckCopy(profile);
     QProcess office;
@@ -147,9 +142,9 @@ qint64 runPeer()
     env.insert(QStringLiteral("SAL_USE_VCLPLUGIN"), QStringLiteral("gen"));
     office.setProcessEnvironment(env);
     office.setProgram(QStringLiteral(MIRABEND_LO_PROGRAM_DIR "/soffice.bin"));
-    office.setArguments({QStringLiteral("-env:UserInstallation=") + QUrl::fromLocalFile(profile.path()).toString(),
-                         QStringLiteral("--norestore"), QStringLiteral("--nologo"), QStringLiteral("--nolockcheck"),
-                         deck});
+    office.setArguments(
+        {QStringLiteral("-env:UserInstallation=") + QUrl::fromLocalFile(profile.path()).toString(),
+         QStringLiteral("--norestore"), QStringLiteral("--nologo"), QStringLiteral("--nolockcheck"), deck});
     office.setStandardOutputFile(QProcess::nullDevice());
     office.setStandardErrorFile(QProcess::nullDevice());
     QElapsedTimer clock;
@@ -183,8 +178,7 @@ qint64 runPeer()
     return ms;
 }
 
-double median(std::vector<qint64> v)
-{
+double median(std::vector<qint64> v) {
     std::sort(v.begin(), v.end());
     const size_t n = v.size();
     return n % 2 ? double(v[n / 2]) : (v[n / 2 - 1] + v[n / 2]) / 2.0;
@@ -192,8 +186,7 @@ double median(std::vector<qint64> v)
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 3;
     mirabend::test::XvfbServer xvfb;
     if (!xvfb.ok()) {
@@ -209,8 +202,8 @@ int main(int argc, char** argv)
     for (int round = 0; round < rounds; ++round) {
         const qint64 a = runOurs();
         const qint64 b = runPeer();
-        std::printf("round %d: mirabend %lld ms, libreoffice %lld ms\n", round + 1,
-                    static_cast<long long>(a), static_cast<long long>(b));
+        std::printf("round %d: mirabend %lld ms, libreoffice %lld ms\n", round + 1, static_cast<long long>(a),
+                    static_cast<long long>(b));
         std::fflush(stdout);
         if (a < 0 || b < 0) {
             std::fprintf(stderr, "a slide never appeared\n");
@@ -220,7 +213,8 @@ int main(int argc, char** argv)
         peer.push_back(b);
     }
     const double m = median(ours), p = median(peer);
-    std::printf("open to first slide, median of %d: mirabend %.0f ms, libreoffice %.0f ms, ratio %.2f (goal <= 1.5)\n",
+    std::printf("open to first slide, median of %d: mirabend %.0f ms, libreoffice %.0f ms, ratio %.2f (goal "
+                "<= 1.5)\n",
                 rounds, m, p, m / p);
     return 0;
 }

@@ -4,11 +4,11 @@
 #include "shell/slideshow/UnoSession.h"
 
 #include <QElapsedTimer>
-#include <algorithm>
 #include <QFileInfo>
 #include <QThread>
 #include <QTimer>
 #include <QUrl>
+#include <algorithm>
 #include <com/sun/star/awt/PosSize.hpp>
 #include <com/sun/star/awt/Toolkit.hpp>
 #include <com/sun/star/awt/XSystemChildFactory.hpp>
@@ -54,16 +54,14 @@ constexpr int kShowStartMs = 15000;
 // expects its launcher to start it again.
 constexpr int kOfficeRestartCode = 81;
 
-beans::PropertyValue propertyValue(const char* name, const uno::Any& value)
-{
+beans::PropertyValue propertyValue(const char* name, const uno::Any& value) {
     beans::PropertyValue result;
     result.Name = rtl::OUString::createFromAscii(name);
     result.Value = value;
     return result;
 }
 
-void setQuietly(const uno::Reference<beans::XPropertySet>& props, const char* name, const uno::Any& value)
-{
+void setQuietly(const uno::Reference<beans::XPropertySet>& props, const char* name, const uno::Any& value) {
     try {
         props->setPropertyValue(rtl::OUString::createFromAscii(name), value);
     } catch (const uno::Exception&) {
@@ -73,8 +71,7 @@ void setQuietly(const uno::Reference<beans::XPropertySet>& props, const char* na
 
 // The filter for a file whose own filter would start a show while loading
 // (PowerPoint shows, .pps and .ppsx): the same import without autoplay.
-rtl::OUString quietFilterFor(const QString& path)
-{
+rtl::OUString quietFilterFor(const QString& path) {
     const QString suffix = QFileInfo(path).suffix().toLower();
     if (suffix == QLatin1String("pps"))
         return rtl::OUString("MS PowerPoint 97");
@@ -101,8 +98,7 @@ struct ShowHandles {
     ~ShowHandles() { close(); }
 
     // The office is gone: forget everything without calling it.
-    void abandon()
-    {
+    void abandon() {
         controller.clear();
         presentation.clear();
         document.clear();
@@ -110,8 +106,7 @@ struct ShowHandles {
         window.clear();
     }
 
-    void close() noexcept
-    {
+    void close() noexcept {
         try {
             if (presentation.is() && presentation->isRunning())
                 presentation->end();
@@ -154,22 +149,19 @@ struct ImpressProgram::Impl {
 
     explicit Impl(ImpressProgram& owner)
         : q(owner)
-        , office(QStringLiteral(MIRABEND_LO_PROGRAM_DIR "/soffice.bin"))
-    {
+        , office(QStringLiteral(MIRABEND_LO_PROGRAM_DIR "/soffice.bin")) {
         retry.setInterval(kConnectIntervalMs);
         QObject::connect(&retry, &QTimer::timeout, &q, [this] { tryConnect(); });
         QObject::connect(&office, &OfficeProcess::ended, &q, [this](int code) { onOfficeEnded(code); });
     }
 
-    void report(const ShowFailure& failure)
-    {
+    void report(const ShowFailure& failure) {
         // Always from the event loop, so callers see the same order whether
         // or not the office was running already.
         QTimer::singleShot(0, &q, [this, failure] { Q_EMIT q.prepared(failure); });
     }
 
-    void prepare()
-    {
+    void prepare() {
         if (session.isConnected()) {
             report({});
             return;
@@ -190,8 +182,7 @@ struct ImpressProgram::Impl {
         retry.start();
     }
 
-    void giveUp(const ShowFailure& failure)
-    {
+    void giveUp(const ShowFailure& failure) {
         retry.stop();
         connecting = false;
         session.reset();
@@ -199,8 +190,7 @@ struct ImpressProgram::Impl {
         Q_EMIT q.prepared(failure);
     }
 
-    void tryConnect()
-    {
+    void tryConnect() {
         if (!office.isRunning())
             return; // onOfficeEnded() decides
         std::string detail;
@@ -220,13 +210,12 @@ struct ImpressProgram::Impl {
         }
     }
 
-    void onOfficeEnded(int exitCode)
-    {
+    void onOfficeEnded(int exitCode) {
         if (connecting) {
             if (exitCode == kOfficeRestartCode && restarts++ < 2 && office.restart())
                 return;
-            giveUp({ShowError::StartFailed, "the office ended while starting, exit code " +
-                                                std::to_string(exitCode)});
+            giveUp({ShowError::StartFailed,
+                    "the office ended while starting, exit code " + std::to_string(exitCode)});
             return;
         }
         const bool hadShow = show != nullptr;
@@ -235,8 +224,7 @@ struct ImpressProgram::Impl {
             Q_EMIT q.lost();
     }
 
-    void forgetOffice()
-    {
+    void forgetOffice() {
         if (show)
             show->abandon();
         show.reset();
@@ -244,8 +232,7 @@ struct ImpressProgram::Impl {
     }
 
     // A call failed: when the office died under it, forget it and say so.
-    ShowFailure classify(const uno::Exception& e, ShowError otherwise, bool disposed = false)
-    {
+    ShowFailure classify(const uno::Exception& e, ShowError otherwise, bool disposed = false) {
         if (disposed || !office.isRunning()) {
             forgetOffice();
             office.stop(0);
@@ -254,8 +241,7 @@ struct ImpressProgram::Impl {
         return {otherwise, describe(e)};
     }
 
-    ShowFailure createFrame(ShowHandles& s, NativeHandle pane, QSize size)
-    {
+    ShowFailure createFrame(ShowHandles& s, NativeHandle pane, QSize size) {
         const uno::Reference<uno::XComponentContext>& context = session.context();
         const uno::Reference<awt::XSystemChildFactory> factory(awt::Toolkit::create(context),
                                                                uno::UNO_QUERY_THROW);
@@ -274,8 +260,7 @@ struct ImpressProgram::Impl {
         return {};
     }
 
-    ShowFailure load(ShowHandles& s, const QString& path)
-    {
+    ShowFailure load(ShowHandles& s, const QString& path) {
         std::vector<beans::PropertyValue> args{
             propertyValue("ReadOnly", uno::Any(false)),
             propertyValue("Hidden", uno::Any(false)),
@@ -311,8 +296,7 @@ struct ImpressProgram::Impl {
     }
 
     // The pane shows the slide and nothing of the editor around it.
-    void hideChrome(ShowHandles& s)
-    {
+    void hideChrome(ShowHandles& s) {
         try {
             const uno::Reference<beans::XPropertySet> props(s.frame, uno::UNO_QUERY_THROW);
             uno::Reference<frame::XLayoutManager> layout;
@@ -329,8 +313,7 @@ struct ImpressProgram::Impl {
         }
     }
 
-    ShowFailure runShow(ShowHandles& s)
-    {
+    ShowFailure runShow(ShowHandles& s) {
         const uno::Reference<beans::XPropertySet> settings(s.presentation, uno::UNO_QUERY_THROW);
         setQuietly(settings, "IsFullScreen", uno::Any(false));
         setQuietly(settings, "IsAlwaysOnTop", uno::Any(false));
@@ -362,8 +345,7 @@ struct ImpressProgram::Impl {
         return {ShowError::ShowFailed, "the show did not start"};
     }
 
-    ShowFailure startShow(const QString& path, NativeHandle pane, QSize size)
-    {
+    ShowFailure startShow(const QString& path, NativeHandle pane, QSize size) {
         if (!session.isConnected())
             return {ShowError::StartFailed, "the office is not running"};
         show.reset();
@@ -394,8 +376,7 @@ struct ImpressProgram::Impl {
         return {};
     }
 
-    ShowFailure go(SlideMove move)
-    {
+    ShowFailure go(SlideMove move) {
         if (!show || !show->controller.is())
             return {ShowError::ShowFailed, "no show runs"};
         const uno::Reference<presentation::XSlideShowController>& c = show->controller;
@@ -425,8 +406,7 @@ struct ImpressProgram::Impl {
         return {};
     }
 
-    std::optional<SlidePosition> position()
-    {
+    std::optional<SlidePosition> position() {
         if (!show || !show->controller.is())
             return std::nullopt;
         try {
@@ -444,8 +424,7 @@ struct ImpressProgram::Impl {
         }
     }
 
-    void resize(QSize size)
-    {
+    void resize(QSize size) {
         if (!show || !show->window.is() || size.isEmpty())
             return;
         try {
@@ -457,8 +436,7 @@ struct ImpressProgram::Impl {
         }
     }
 
-    void shutdown()
-    {
+    void shutdown() {
         retry.stop();
         connecting = false;
         show.reset();
@@ -469,35 +447,54 @@ struct ImpressProgram::Impl {
 
 ImpressProgram::ImpressProgram(QObject* parent)
     : PresentationProgram(parent)
-    , d(std::make_unique<Impl>(*this))
-{
+    , d(std::make_unique<Impl>(*this)) {}
+
+ImpressProgram::~ImpressProgram() {
+    d->shutdown();
 }
 
-ImpressProgram::~ImpressProgram() { d->shutdown(); }
+bool ImpressProgram::isReady() const {
+    return d->session.isConnected() && !d->connecting;
+}
 
-bool ImpressProgram::isReady() const { return d->session.isConnected() && !d->connecting; }
+void ImpressProgram::prepare() {
+    d->prepare();
+}
 
-void ImpressProgram::prepare() { d->prepare(); }
-
-ShowFailure ImpressProgram::startShow(const QString& path, NativeHandle pane, QSize size)
-{
+ShowFailure ImpressProgram::startShow(const QString& path, NativeHandle pane, QSize size) {
     return d->startShow(path, pane, size);
 }
 
-QString ImpressProgram::showWindowClass() const { return QStringLiteral("screenClass"); }
+QString ImpressProgram::showWindowClass() const {
+    return QStringLiteral("screenClass");
+}
 
-void ImpressProgram::resizeShow(QSize size) { d->resize(size); }
+void ImpressProgram::resizeShow(QSize size) {
+    d->resize(size);
+}
 
-ShowFailure ImpressProgram::go(SlideMove move) { return d->go(move); }
+ShowFailure ImpressProgram::go(SlideMove move) {
+    return d->go(move);
+}
 
-std::optional<SlidePosition> ImpressProgram::position() { return d->position(); }
+std::optional<SlidePosition> ImpressProgram::position() {
+    return d->position();
+}
 
-void ImpressProgram::endShow() { d->show.reset(); }
+void ImpressProgram::endShow() {
+    d->show.reset();
+}
 
-void ImpressProgram::shutdown() { d->shutdown(); }
+void ImpressProgram::shutdown() {
+    d->shutdown();
+}
 
-OfficeProcess& ImpressProgram::office() { return d->office; }
+OfficeProcess& ImpressProgram::office() {
+    return d->office;
+}
 
-void ImpressProgram::setStartTimeout(int seconds) { d->startTimeoutMs = seconds * 1000; }
+void ImpressProgram::setStartTimeout(int seconds) {
+    d->startTimeoutMs = seconds * 1000;
+}
 
 } // namespace mirabend

@@ -12,14 +12,13 @@ namespace mirabend {
 
 OfficeProcess::OfficeProcess(QString binary, QObject* parent)
     : QObject(parent)
-    , m_binary(std::move(binary))
-{
+    , m_binary(std::move(binary)) {}
+
+OfficeProcess::~OfficeProcess() {
+    stop(0);
 }
 
-OfficeProcess::~OfficeProcess() { stop(0); }
-
-QStringList OfficeProcess::arguments(const QString& pipe, const QString& profileUrl)
-{
+QStringList OfficeProcess::arguments(const QString& pipe, const QString& profileUrl) {
     return {QStringLiteral("-env:UserInstallation=") + profileUrl,
             QStringLiteral("--accept=pipe,name=%1;urp;StarOffice.ComponentContext").arg(pipe),
             QStringLiteral("--norestore"),
@@ -28,8 +27,7 @@ QStringList OfficeProcess::arguments(const QString& pipe, const QString& profile
             QStringLiteral("--nolockcheck")};
 }
 
-bool OfficeProcess::start()
-{
+bool OfficeProcess::start() {
     stop(0);
     m_profile = std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/mirabend-office-XXXXXX"));
     if (!m_profile->isValid())
@@ -40,16 +38,14 @@ bool OfficeProcess::start()
     return launch();
 }
 
-bool OfficeProcess::restart()
-{
+bool OfficeProcess::restart() {
     stop(0);
     if (!m_profile || m_pipeName.isEmpty())
         return start();
     return launch();
 }
 
-bool OfficeProcess::launch()
-{
+bool OfficeProcess::launch() {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     // Only the X11 backend can host a frame inside a window of ours; it
     // draws on the display we run on (DISPLAY is inherited).
@@ -73,8 +69,7 @@ bool OfficeProcess::launch()
     return true;
 }
 
-void OfficeProcess::onFinished(int exitCode)
-{
+void OfficeProcess::onFinished(int exitCode) {
     // Hand the process object over before telling anyone: a listener may
     // start the next office from its slot.
     std::unique_ptr<QProcess> gone = std::move(m_process);
@@ -85,8 +80,7 @@ void OfficeProcess::onFinished(int exitCode)
         gone.release()->deleteLater();
 }
 
-void OfficeProcess::stop(int graceMs)
-{
+void OfficeProcess::stop(int graceMs) {
     if (!m_process)
         return;
     m_process->disconnect(this);
@@ -107,12 +101,15 @@ void OfficeProcess::stop(int graceMs)
     m_process.reset();
 }
 
-bool OfficeProcess::isRunning() const { return m_process && m_process->state() != QProcess::NotRunning; }
+bool OfficeProcess::isRunning() const {
+    return m_process && m_process->state() != QProcess::NotRunning;
+}
 
-qint64 OfficeProcess::pid() const { return m_process ? m_process->processId() : 0; }
+qint64 OfficeProcess::pid() const {
+    return m_process ? m_process->processId() : 0;
+}
 
-QString OfficeProcess::connectUrl() const
-{
+QString OfficeProcess::connectUrl() const {
     return QStringLiteral("uno:pipe,name=%1;urp;StarOffice.ComponentContext").arg(m_pipeName);
 }
 

@@ -18,34 +18,29 @@ namespace {
 const QString kInitialFileName = QStringLiteral("*.ppt; *.pptx; *.pps");
 const QString kMessageTitle = QStringLiteral("Mirabend 1.0");
 
-void setText(QLineEdit* field, const QString& text)
-{
+void setText(QLineEdit* field, const QString& text) {
     if (field)
         field->setText(text);
 }
 
 } // namespace
 
-const QString& SlideShow::failureText()
-{
+const QString& SlideShow::failureText() {
     static const QString text = QStringLiteral("Mirabend can't open the presentation!");
     return text;
 }
 
-const QString& SlideShow::captionPrefix()
-{
+const QString& SlideShow::captionPrefix() {
     static const QString text = QStringLiteral("Mirabend 1.0 ");
     return text;
 }
 
-const QString& SlideShow::welcomeName()
-{
+const QString& SlideShow::welcomeName() {
     static const QString text = QStringLiteral("\\Welcome.ppt");
     return text;
 }
 
-FileRequest SlideShow::openDialogRequest()
-{
+FileRequest SlideShow::openDialogRequest() {
     FileRequest request;
     request.title = QStringLiteral("Open PowerPoint File");
     request.filter = QStringLiteral("PowerPoint 2003 (*.ppt)|*.ppt|PowerPoint 2007/2010 (*.pptx)|*.pptx|"
@@ -61,40 +56,36 @@ SlideShow::SlideShow(const ShellFields& fields, std::unique_ptr<PresentationProg
     : QObject(parent)
     , m_fields(fields)
     , m_program(std::move(program))
-    , m_system(system)
-{
+    , m_system(system) {
     connect(m_program.get(), &PresentationProgram::prepared, this, &SlideShow::onPrepared);
     connect(m_program.get(), &PresentationProgram::lost, this, &SlideShow::onLost);
 }
 
-SlideShow::~SlideShow()
-{
+SlideShow::~SlideShow() {
     disconnect(m_program.get(), nullptr, this, nullptr);
     m_program->shutdown();
 }
 
-void SlideShow::openSlides()
-{
+void SlideShow::openSlides() {
     if (!m_fields.prompts)
         return;
     const FileAnswer answer = m_fields.prompts->openFile(openDialogRequest());
     // A dialog that comes back with its own pattern as the name was cancelled.
     if (!answer.accepted() || answer.fileName == kInitialFileName)
         return;
-    const QString title = answer.fileTitle.isEmpty() ? QFileInfo(answer.fileName).fileName() : answer.fileTitle;
+    const QString title =
+        answer.fileTitle.isEmpty() ? QFileInfo(answer.fileName).fileName() : answer.fileTitle;
     beginOpen(answer.fileName, title);
 }
 
-void SlideShow::openSlidesStart()
-{
+void SlideShow::openSlidesStart() {
     QString path = ProgramFolder::dataFile(welcomeName());
     if (path.isEmpty())
         path = ProgramFolder::writableFile(welcomeName()); // fails below, with the path in the detail
     beginOpen(path, ProgramFolder::normalise(welcomeName()));
 }
 
-bool SlideShow::openFile(const QString& path)
-{
+bool SlideShow::openFile(const QString& path) {
     const QFileInfo info(path);
     if (!info.isFile())
         return false;
@@ -102,8 +93,7 @@ bool SlideShow::openFile(const QString& path)
     return true;
 }
 
-void SlideShow::beginOpen(const QString& path, const QString& title)
-{
+void SlideShow::beginOpen(const QString& path, const QString& title) {
     if (m_fields.window)
         m_fields.window->setWindowTitle(captionPrefix() + title);
     setText(m_fields.Text1, path);
@@ -121,8 +111,7 @@ void SlideShow::beginOpen(const QString& path, const QString& title)
         m_program->prepare(); // showPending() follows from onPrepared()
 }
 
-void SlideShow::onPrepared(const ShowFailure& failure)
-{
+void SlideShow::onPrepared(const ShowFailure& failure) {
     if (!m_pending)
         return;
     if (failure) {
@@ -133,8 +122,7 @@ void SlideShow::onPrepared(const ShowFailure& failure)
     showPending();
 }
 
-void SlideShow::showPending()
-{
+void SlideShow::showPending() {
     const Pending pending = *m_pending;
     m_pending.reset();
     m_showRunning = false;
@@ -157,8 +145,7 @@ void SlideShow::showPending()
     Q_EMIT finished(true);
 }
 
-void SlideShow::fail(const ShowFailure& failure)
-{
+void SlideShow::fail(const ShowFailure& failure) {
     qWarning("Mirabend: slide show failed (%d): %s", static_cast<int>(failure.code), failure.detail.c_str());
     m_showRunning = false;
     setText(m_fields.ppt_txt, QStringLiteral("no"));
@@ -167,8 +154,7 @@ void SlideShow::fail(const ShowFailure& failure)
     Q_EMIT finished(false);
 }
 
-void SlideShow::onLost()
-{
+void SlideShow::onLost() {
     if (!m_showRunning)
         return;
     // The pane is empty now (the show's window went with the program); the
@@ -176,16 +162,14 @@ void SlideShow::onLost()
     fail({ShowError::ProgramLost, "the presentation program ended during the show"});
 }
 
-QSize SlideShow::paneSize() const
-{
+QSize SlideShow::paneSize() const {
     if (!m_fields.frmSS)
         return {};
     const qreal ratio = m_fields.frmSS->devicePixelRatioF();
     return QSize(qRound(m_fields.frmSS->width() * ratio), qRound(m_fields.frmSS->height() * ratio));
 }
 
-void SlideShow::embedTopLevelShow()
-{
+void SlideShow::embedTopLevelShow() {
     if (!m_fields.frmSS)
         return;
     WindowSystem& system = m_system ? *m_system : windowSystem();
@@ -209,8 +193,7 @@ void SlideShow::embedTopLevelShow()
     system.moveResize(show, 0, 0, size.width(), size.height());
 }
 
-void SlideShow::fitShow()
-{
+void SlideShow::fitShow() {
     if (!m_showRunning)
         return;
     m_program->resizeShow(paneSize());
@@ -220,17 +203,17 @@ void SlideShow::fitShow()
         m_fields.frmSS->update();
 }
 
-void SlideShow::OpenSlidesResize()
-{
+void SlideShow::OpenSlidesResize() {
     fitShow();
     // The show keeps its slide through the refit; the fields say so again.
     PPTInfo();
 }
 
-void SlideShow::PresentSize() { fitShow(); }
+void SlideShow::PresentSize() {
+    fitShow();
+}
 
-void SlideShow::PPTInfo()
-{
+void SlideShow::PPTInfo() {
     if (!m_showRunning)
         return;
     const std::optional<SlidePosition> position = m_program->position();
@@ -240,8 +223,7 @@ void SlideShow::PPTInfo()
     setText(m_fields.slide_txt, QString::number(position->count));
 }
 
-void SlideShow::navigate(const QString& key)
-{
+void SlideShow::navigate(const QString& key) {
     std::optional<SlideMove> move;
     if (key == QLatin1String("first"))
         move = SlideMove::First;
@@ -271,8 +253,7 @@ void SlideShow::navigate(const QString& key)
         m_fields.Text3->setText(m_fields.slideNow_txt->text());
 }
 
-void SlideShow::shutdown()
-{
+void SlideShow::shutdown() {
     m_pending.reset();
     m_showRunning = false;
     m_program->shutdown();

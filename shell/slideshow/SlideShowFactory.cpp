@@ -8,8 +8,7 @@
 
 namespace mirabend {
 
-std::unique_ptr<PresentationProgram> createPresentationProgram()
-{
+std::unique_ptr<PresentationProgram> createPresentationProgram() {
 #ifdef MIRABEND_HAVE_UNO
     return std::make_unique<ImpressProgram>();
 #else
@@ -17,13 +16,11 @@ std::unique_ptr<PresentationProgram> createPresentationProgram()
 #endif
 }
 
-std::unique_ptr<SlideShow> createSlideShow(const ShellFields& fields)
-{
+std::unique_ptr<SlideShow> createSlideShow(const ShellFields& fields) {
     return std::make_unique<SlideShow>(fields, createPresentationProgram());
 }
 
-bool haveImpress()
-{
+bool haveImpress() {
 #ifdef MIRABEND_HAVE_UNO
     return true;
 #else

@@ -12,23 +12,19 @@ namespace mirabend {
 namespace bridge = com::sun::star::bridge;
 namespace frame = com::sun::star::frame;
 
-std::string toStd(const rtl::OUString& text)
-{
+std::string toStd(const rtl::OUString& text) {
     return rtl::OUStringToOString(text, RTL_TEXTENCODING_UTF8).getStr();
 }
 
-rtl::OUString toOU(const QString& text)
-{
+rtl::OUString toOU(const QString& text) {
     return rtl::OUString(reinterpret_cast<const sal_Unicode*>(text.utf16()), text.size());
 }
 
-std::string describe(const uno::Exception& e)
-{
+std::string describe(const uno::Exception& e) {
     return toStd(e.Message);
 }
 
-uno::Reference<uno::XComponentContext> localUnoContext(std::string& detail)
-{
+uno::Reference<uno::XComponentContext> localUnoContext(std::string& detail) {
     static uno::Reference<uno::XComponentContext> context;
     static std::string failure;
     static bool tried = false;
@@ -48,8 +44,7 @@ uno::Reference<uno::XComponentContext> localUnoContext(std::string& detail)
     return context;
 }
 
-UnoSession::Attempt UnoSession::connect(const QString& url, std::string& detail)
-{
+UnoSession::Attempt UnoSession::connect(const QString& url, std::string& detail) {
     reset();
     const uno::Reference<uno::XComponentContext> local = localUnoContext(detail);
     if (!local.is())
@@ -70,8 +65,7 @@ UnoSession::Attempt UnoSession::connect(const QString& url, std::string& detail)
     }
 }
 
-void UnoSession::terminateOffice()
-{
+void UnoSession::terminateOffice() {
     if (m_desktop.is()) {
         try {
             m_desktop->terminate();
@@ -82,8 +76,7 @@ void UnoSession::terminateOffice()
     reset();
 }
 
-void UnoSession::reset()
-{
+void UnoSession::reset() {
     m_desktop.clear();
     m_context.clear();
 }

@@ -29,15 +29,13 @@ public:
     int endCalls = 0;
 
     // Completes a prepare() the way the program would.
-    void finishPrepare(const ShowFailure& failure = {})
-    {
+    void finishPrepare(const ShowFailure& failure = {}) {
         ready = !failure;
         Q_EMIT prepared(failure);
     }
 
     // The program ends by itself.
-    void die()
-    {
+    void die() {
         ready = false;
         current = 0;
         Q_EMIT lost();
@@ -45,8 +43,7 @@ public:
 
     bool isReady() const override { return ready; }
     void prepare() override { ++prepareCalls; }
-    ShowFailure startShow(const QString& path, NativeHandle pane, QSize size) override
-    {
+    ShowFailure startShow(const QString& path, NativeHandle pane, QSize size) override {
         openedPaths << path;
         lastPane = pane;
         sizes << size;
@@ -58,8 +55,7 @@ public:
     bool showIsEmbedded() const override { return embedded; }
     QString showWindowClass() const override { return QStringLiteral("screenClass"); }
     void resizeShow(QSize size) override { sizes << size; }
-    ShowFailure go(SlideMove move) override
-    {
+    ShowFailure go(SlideMove move) override {
         moves << move;
         if (goFailure)
             return goFailure;
@@ -79,19 +75,16 @@ public:
         }
         return {};
     }
-    std::optional<SlidePosition> position() override
-    {
+    std::optional<SlidePosition> position() override {
         if (current == 0)
             return std::nullopt;
         return SlidePosition{current, slideCount};
     }
-    void endShow() override
-    {
+    void endShow() override {
         ++endCalls;
         current = 0;
     }
-    void shutdown() override
-    {
+    void shutdown() override {
         ++shutdownCalls;
         ready = false;
         current = 0;

@@ -31,13 +31,14 @@ const QColor kBlue(0, 0, 255);
 const QColor kEmptyPane(128, 128, 128);
 constexpr int kOpenWaitMs = 60000;
 
-bool near(const QColor& a, const QColor& b)
-{
+bool near(const QColor& a, const QColor& b) {
     return std::abs(a.red() - b.red()) < 40 && std::abs(a.green() - b.green()) < 40 &&
            std::abs(a.blue() - b.blue()) < 40;
 }
 
-std::string name(const QColor& c) { return c.name().toStdString(); }
+std::string name(const QColor& c) {
+    return c.name().toStdString();
+}
 
 // The main window's part that the slide show touches, laid out as the stage.
 struct Stage {
@@ -53,8 +54,7 @@ struct Stage {
     ImpressProgram* program = nullptr;
     std::unique_ptr<SlideShow> show;
 
-    Stage()
-    {
+    Stage() {
         window.setCentralWidget(Picture1);
         window.resize(900, 700);
         frmSS->setAttribute(Qt::WA_NativeWindow);
@@ -83,29 +83,29 @@ struct Stage {
 
     // The colour the screen shows at a point of the pane given in fractions
     // of its size (the centre by default).
-    QColor colourAt(double fx = 0.5, double fy = 0.5) const
-    {
+    QColor colourAt(double fx = 0.5, double fy = 0.5) const {
         const QPoint point = frmSS->mapToGlobal(QPoint(int(frmSS->width() * fx), int(frmSS->height() * fy)));
-        const QImage image = QGuiApplication::primaryScreen()->grabWindow(0, point.x(), point.y(), 1, 1).toImage();
+        const QImage image =
+            QGuiApplication::primaryScreen()->grabWindow(0, point.x(), point.y(), 1, 1).toImage();
         return image.isNull() ? QColor() : image.pixelColor(0, 0);
     }
 
     // Waits for the pane to show `expected` (rendering is asynchronous).
-    QColor waitForColour(const QColor& expected, double fx = 0.5, double fy = 0.5) const
-    {
+    QColor waitForColour(const QColor& expected, double fx = 0.5, double fy = 0.5) const {
         QColor seen;
-        (void)QTest::qWaitFor([&] {
-            seen = colourAt(fx, fy);
-            return near(seen, expected);
-        }, 10000);
+        (void)QTest::qWaitFor(
+            [&] {
+                seen = colourAt(fx, fy);
+                return near(seen, expected);
+            },
+            10000);
         saveShot();
         return seen;
     }
 
     // With MIRABEND_SLIDESHOW_SHOTS set to a folder, every colour check
     // leaves a picture of the screen there, to see what the pane showed.
-    void saveShot() const
-    {
+    void saveShot() const {
         static int count = 0;
         const QString folder = qEnvironmentVariable("MIRABEND_SLIDESHOW_SHOTS");
         if (!folder.isEmpty())
@@ -113,8 +113,7 @@ struct Stage {
                 QStringLiteral("%1/shot-%2.png").arg(folder).arg(++count, 3, 10, QLatin1Char('0')));
     }
 
-    bool open(const QString& path)
-    {
+    bool open(const QString& path) {
         QSignalSpy finished(show.get(), &SlideShow::finished);
         prompts.answerFile(path);
         show->openSlides();
@@ -126,8 +125,7 @@ struct Stage {
 
 class ImpressShowTest : public ::testing::Test {
 protected:
-    static void SetUpTestSuite()
-    {
+    static void SetUpTestSuite() {
         s_stage = new Stage;
         s_folder = new TempFolder("mirabend-slides");
         if (!QTest::qWaitForWindowExposed(&s_stage->window)) {
@@ -149,8 +147,7 @@ protected:
         s_ready = true;
     }
 
-    static void TearDownTestSuite()
-    {
+    static void TearDownTestSuite() {
         const qint64 pid = s_stage->program->office().pid();
         s_stage->show->shutdown();
         // Whatever office is left ends by its process id.
@@ -162,8 +159,7 @@ protected:
         s_folder = nullptr;
     }
 
-    void SetUp() override
-    {
+    void SetUp() override {
         ASSERT_TRUE(s_ready) << s_setupError;
         stage().prompts.messages.clear();
         stage().frmSS->setGeometry(0, 0, 580, 435);
@@ -171,8 +167,7 @@ protected:
 
     static Stage& stage() { return *s_stage; }
 
-    void expectSlide(const char* key, int slide, const QColor& colour)
-    {
+    void expectSlide(const char* key, int slide, const QColor& colour) {
         Stage& s = stage();
         s.Text3->clear();
         s.show->navigate(QString::fromLatin1(key));
@@ -198,8 +193,7 @@ bool ImpressShowTest::s_ready = false;
 std::string ImpressShowTest::s_setupError;
 qint64 ImpressShowTest::s_officePid = 0;
 
-TEST_F(ImpressShowTest, EachFormatShowsInThePaneAndNavigates)
-{
+TEST_F(ImpressShowTest, EachFormatShowsInThePaneAndNavigates) {
     Stage& s = stage();
     for (const QString& deck : {s_decks.pptx, s_decks.ppt, s_decks.pps}) {
         SCOPED_TRACE(deck.toStdString());
@@ -234,8 +228,7 @@ TEST_F(ImpressShowTest, EachFormatShowsInThePaneAndNavigates)
     EXPECT_EQ(s.Text3->text(), "3");
 }
 
-TEST_F(ImpressShowTest, ShowFollowsThePaneThroughModesAndRotations)
-{
+TEST_F(ImpressShowTest, ShowFollowsThePaneThroughModesAndRotations) {
     Stage& s = stage();
     ASSERT_TRUE(s.open(s_decks.pptx));
     s.show->navigate(QStringLiteral("next"));
@@ -265,8 +258,7 @@ TEST_F(ImpressShowTest, ShowFollowsThePaneThroughModesAndRotations)
     }
 }
 
-TEST_F(ImpressShowTest, CancelLeavesTheRunningShowAlone)
-{
+TEST_F(ImpressShowTest, CancelLeavesTheRunningShowAlone) {
     Stage& s = stage();
     ASSERT_TRUE(s.open(s_decks.ppt));
     const QString caption = s.window.windowTitle();
@@ -279,8 +271,7 @@ TEST_F(ImpressShowTest, CancelLeavesTheRunningShowAlone)
     EXPECT_TRUE(near(seen, kRed)) << name(seen);
 }
 
-TEST_F(ImpressShowTest, CorruptOrForeignFilesGiveTheMessageAndAnEmptyPane)
-{
+TEST_F(ImpressShowTest, CorruptOrForeignFilesGiveTheMessageAndAnEmptyPane) {
     Stage& s = stage();
     const QString corrupt = QString::fromStdString(s_folder->file("corrupt.ppt"));
     QFile file(corrupt);
@@ -315,8 +306,7 @@ TEST_F(ImpressShowTest, CorruptOrForeignFilesGiveTheMessageAndAnEmptyPane)
     EXPECT_EQ(s.program->office().pid(), s_officePid);
 }
 
-TEST_F(ImpressShowTest, WelcomePresentationOpensFromTheProgramFolder)
-{
+TEST_F(ImpressShowTest, WelcomePresentationOpensFromTheProgramFolder) {
     Stage& s = stage();
     // The build puts Welcome.ppt next to the program; the tests run elsewhere.
     qputenv("MIRABEND_DATA_DIR", MIRABEND_RUNTIME_DIR);
@@ -330,8 +320,7 @@ TEST_F(ImpressShowTest, WelcomePresentationOpensFromTheProgramFolder)
 }
 
 // Last: it replaces the suite's office.
-TEST_F(ImpressShowTest, OfficeDyingMidShowIsReportedAndTheNextOpenStartsAFreshOne)
-{
+TEST_F(ImpressShowTest, OfficeDyingMidShowIsReportedAndTheNextOpenStartsAFreshOne) {
     Stage& s = stage();
     ASSERT_TRUE(s.open(s_decks.pptx));
     QSignalSpy finished(s.show.get(), &SlideShow::finished);

@@ -18,21 +18,21 @@ namespace lang = com::sun::star::lang;
 
 namespace {
 
-uno::Sequence<beans::PropertyValue> oneProperty(const char* name, const uno::Any& value)
-{
+uno::Sequence<beans::PropertyValue> oneProperty(const char* name, const uno::Any& value) {
     beans::PropertyValue p;
     p.Name = rtl::OUString::createFromAscii(name);
     p.Value = value;
     return uno::Sequence<beans::PropertyValue>(&p, 1);
 }
 
-rtl::OUString urlOf(const QString& path) { return toOU(QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded)); }
+rtl::OUString urlOf(const QString& path) {
+    return toOU(QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded));
+}
 
 } // namespace
 
-bool saveAsPowerPoint(const QString& connectUrl, const QString& fodp, const QString& folder, const QString& base,
-                      DeckFiles& out, std::string& error)
-{
+bool saveAsPowerPoint(const QString& connectUrl, const QString& fodp, const QString& folder,
+                      const QString& base, DeckFiles& out, std::string& error) {
     UnoSession session;
     if (session.connect(connectUrl, error) != UnoSession::Attempt::Connected) {
         if (error.empty())
@@ -49,9 +49,11 @@ bool saveAsPowerPoint(const QString& connectUrl, const QString& fodp, const QStr
         out.pptx = dir.filePath(base + QStringLiteral(".pptx"));
         out.ppt = dir.filePath(base + QStringLiteral(".ppt"));
         out.pps = dir.filePath(base + QStringLiteral(".pps"));
-        storable->storeToURL(urlOf(out.pptx),
-                             oneProperty("FilterName", uno::Any(rtl::OUString("Impress MS PowerPoint 2007 XML"))));
-        storable->storeToURL(urlOf(out.ppt), oneProperty("FilterName", uno::Any(rtl::OUString("MS PowerPoint 97"))));
+        storable->storeToURL(
+            urlOf(out.pptx),
+            oneProperty("FilterName", uno::Any(rtl::OUString("Impress MS PowerPoint 2007 XML"))));
+        storable->storeToURL(urlOf(out.ppt),
+                             oneProperty("FilterName", uno::Any(rtl::OUString("MS PowerPoint 97"))));
         storable->storeToURL(urlOf(out.pps),
                              oneProperty("FilterName", uno::Any(rtl::OUString("MS PowerPoint 97 AutoPlay"))));
         uno::Reference<com::sun::star::util::XCloseable>(doc, uno::UNO_QUERY_THROW)->close(true);

@@ -16,7 +16,7 @@ struct DeckFiles {
 // Saves `fodp` in the three PowerPoint formats into `folder` as
 // `<base>.pptx/.ppt/.pps`, using the office at `connectUrl`. Returns false
 // and says why in `error` when the office could not do it.
-bool saveAsPowerPoint(const QString& connectUrl, const QString& fodp, const QString& folder, const QString& base,
-                      DeckFiles& out, std::string& error);
+bool saveAsPowerPoint(const QString& connectUrl, const QString& fodp, const QString& folder,
+                      const QString& base, DeckFiles& out, std::string& error);
 
 } // namespace mirabend::test

@@ -1,9 +1,10 @@
 // The slide show logic against a fake presentation program: what the open
 // dialog asks, what the main window's fields say after opens, failures and
 // navigation, and the embedding fallback for a show at top level.
+#include "shell/slideshow/SlideShow.h"
+
 #include "FakePresentationProgram.h"
 #include "shell/slideshow/NoPresentationProgram.h"
-#include "shell/slideshow/SlideShow.h"
 #include "support/ChildProcess.h"
 #include "support/ScriptedPrompts.h"
 #include "util/WindowStyle.h"
@@ -28,29 +29,24 @@ public:
     QList<QRect> geometries;
     int shows = 0;
 
-    NativeHandle findWindowByClass(const QString& className) override
-    {
+    NativeHandle findWindowByClass(const QString& className) override {
         searches << className;
         return className == QLatin1String("screenClass") ? showWindow : 0;
     }
-    bool setParent(NativeHandle child, NativeHandle parent) override
-    {
+    bool setParent(NativeHandle child, NativeHandle parent) override {
         parents.append({child, parent});
         return true;
     }
     bool setWindowText(NativeHandle, const QString&) override { return true; }
-    bool applyStyle(NativeHandle, std::uint32_t style) override
-    {
+    bool applyStyle(NativeHandle, std::uint32_t style) override {
         styles << style;
         return true;
     }
-    bool showNormal(NativeHandle) override
-    {
+    bool showNormal(NativeHandle) override {
         ++shows;
         return true;
     }
-    bool moveResize(NativeHandle, int x, int y, int width, int height) override
-    {
+    bool moveResize(NativeHandle, int x, int y, int width, int height) override {
         geometries << QRect(x, y, width, height);
         return true;
     }
@@ -60,8 +56,7 @@ public:
 
 class SlideShowTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         window.setWindowTitle(QStringLiteral("Mirabend 1.0 "));
         frmSS = new QWidget(&window);
         frmSS->setGeometry(0, 0, 580, 435);
@@ -88,16 +83,14 @@ protected:
     QString deckPath() const { return QString::fromStdString(deck); }
 
     // Opens the deck through the dialog with the program already running.
-    void openRunning()
-    {
+    void openRunning() {
         program->ready = true;
         prompts.answerFile(deckPath());
         show->openSlides();
         ASSERT_EQ(ppt_txt->text(), "ppt");
     }
 
-    void expectFailureBox()
-    {
+    void expectFailureBox() {
         ASSERT_EQ(prompts.messages.size(), 1);
         EXPECT_EQ(prompts.messages[0].text, "Mirabend can't open the presentation!");
         EXPECT_EQ(prompts.messages[0].title, "Mirabend 1.0");
@@ -121,8 +114,7 @@ protected:
     std::unique_ptr<SlideShow> show;
 };
 
-TEST_F(SlideShowTest, OpenDialogAsksWithTheProgramsExactSettings)
-{
+TEST_F(SlideShowTest, OpenDialogAsksWithTheProgramsExactSettings) {
     show->openSlides();
     ASSERT_EQ(prompts.openRequests.size(), 1);
     const FileRequest& request = prompts.openRequests[0];
@@ -134,11 +126,10 @@ TEST_F(SlideShowTest, OpenDialogAsksWithTheProgramsExactSettings)
     EXPECT_EQ(request.filterIndex, 1);
 }
 
-TEST_F(SlideShowTest, CancellingTheDialogChangesNothing)
-{
+TEST_F(SlideShowTest, CancellingTheDialogChangesNothing) {
     openRunning();
     const QString caption = window.windowTitle();
-    prompts.answerFile(QString());                        // cancelled
+    prompts.answerFile(QString());                              // cancelled
     prompts.answerFile(QStringLiteral("*.ppt; *.pptx; *.pps")); // the dialog's own pattern came back
     show->openSlides();
     show->openSlides();
@@ -149,8 +140,7 @@ TEST_F(SlideShowTest, CancellingTheDialogChangesNothing)
     EXPECT_TRUE(prompts.messages.isEmpty());
 }
 
-TEST_F(SlideShowTest, FirstOpenWaitsForTheProgramThenShowsInThePane)
-{
+TEST_F(SlideShowTest, FirstOpenWaitsForTheProgramThenShowsInThePane) {
     QSignalSpy finished(show.get(), &SlideShow::finished);
     prompts.answerFile(deckPath());
     show->openSlides();
@@ -175,8 +165,7 @@ TEST_F(SlideShowTest, FirstOpenWaitsForTheProgramThenShowsInThePane)
     EXPECT_FALSE(windows.touched()); // an embedded show needs no window surgery
 }
 
-TEST_F(SlideShowTest, SecondOpenReplacesCaptionAndPathWithoutRestartingTheProgram)
-{
+TEST_F(SlideShowTest, SecondOpenReplacesCaptionAndPathWithoutRestartingTheProgram) {
     openRunning();
     const std::string other = folder.file("Other Deck.ppt");
     QFile file(QString::fromStdString(other));
@@ -190,8 +179,7 @@ TEST_F(SlideShowTest, SecondOpenReplacesCaptionAndPathWithoutRestartingTheProgra
     EXPECT_EQ(program->prepareCalls, 0);
 }
 
-TEST_F(SlideShowTest, EveryFailureShowsTheMessageAndLeavesNoPresentation)
-{
+TEST_F(SlideShowTest, EveryFailureShowsTheMessageAndLeavesNoPresentation) {
     QSignalSpy finished(show.get(), &SlideShow::finished);
     // The program does not start (missing, or automation refused).
     prompts.answerFile(deckPath());
@@ -215,8 +203,7 @@ TEST_F(SlideShowTest, EveryFailureShowsTheMessageAndLeavesNoPresentation)
     EXPECT_TRUE(program->moves.isEmpty());
 }
 
-TEST_F(SlideShowTest, FilesThatDoNotExistNeverStartTheProgram)
-{
+TEST_F(SlideShowTest, FilesThatDoNotExistNeverStartTheProgram) {
     EXPECT_FALSE(show->openFile(QString::fromStdString(folder.file("gone.ppt"))));
     EXPECT_EQ(Text1->text(), "");
     EXPECT_TRUE(prompts.messages.isEmpty());
@@ -230,8 +217,7 @@ TEST_F(SlideShowTest, FilesThatDoNotExistNeverStartTheProgram)
     qunsetenv("MIRABEND_DATA_DIR");
 }
 
-TEST_F(SlideShowTest, WelcomePresentationComesFromTheDataFolder)
-{
+TEST_F(SlideShowTest, WelcomePresentationComesFromTheDataFolder) {
     QFile welcome(QString::fromStdString(folder.file("Welcome.ppt")));
     ASSERT_TRUE(welcome.open(QIODevice::WriteOnly));
     welcome.close();
@@ -245,11 +231,10 @@ TEST_F(SlideShowTest, WelcomePresentationComesFromTheDataFolder)
     EXPECT_EQ(ppt_txt->text(), "ppt");
 }
 
-TEST_F(SlideShowTest, NavigationMovesThenWritesTheSlideFields)
-{
+TEST_F(SlideShowTest, NavigationMovesThenWritesTheSlideFields) {
     openRunning();
-    const std::vector<std::pair<QString, QString>> steps{
-        {"next", "2"}, {"next", "3"}, {"next", "3"}, {"previous", "2"}, {"first", "1"}, {"last", "3"}};
+    const std::vector<std::pair<QString, QString>> steps{{"next", "2"},     {"next", "3"},  {"next", "3"},
+                                                         {"previous", "2"}, {"first", "1"}, {"last", "3"}};
     for (const auto& [key, slide] : steps) {
         Text3->clear();
         show->navigate(key);
@@ -271,8 +256,7 @@ TEST_F(SlideShowTest, NavigationMovesThenWritesTheSlideFields)
     EXPECT_EQ(ppt_txt->text(), "ppt");
 }
 
-TEST_F(SlideShowTest, ProgramEndingMidShowIsReportedAndTheNextOpenStartsAnew)
-{
+TEST_F(SlideShowTest, ProgramEndingMidShowIsReportedAndTheNextOpenStartsAnew) {
     openRunning();
     program->die();
     expectFailureBox();
@@ -299,8 +283,7 @@ TEST_F(SlideShowTest, ProgramEndingMidShowIsReportedAndTheNextOpenStartsAnew)
     EXPECT_TRUE(prompts.messages.isEmpty());
 }
 
-TEST_F(SlideShowTest, RefitsGiveTheShowThePanesNewSize)
-{
+TEST_F(SlideShowTest, RefitsGiveTheShowThePanesNewSize) {
     show->OpenSlidesResize();
     show->PresentSize();
     EXPECT_TRUE(program->sizes.isEmpty()); // no show: nothing to fit
@@ -316,8 +299,7 @@ TEST_F(SlideShowTest, RefitsGiveTheShowThePanesNewSize)
     EXPECT_EQ(slideNow_txt->text(), "2"); // the show keeps its slide
 }
 
-TEST_F(SlideShowTest, ShowAtTopLevelIsEmbeddedIntoThePaneWithoutFrame)
-{
+TEST_F(SlideShowTest, ShowAtTopLevelIsEmbeddedIntoThePaneWithoutFrame) {
     program->embedded = false;
     windows.showWindow = 0x4200001;
     openRunning();
@@ -325,9 +307,9 @@ TEST_F(SlideShowTest, ShowAtTopLevelIsEmbeddedIntoThePaneWithoutFrame)
     EXPECT_EQ(windows.parents[0].first, 0x4200001u);
     EXPECT_EQ(windows.parents[0].second, static_cast<NativeHandle>(frmSS->winId()));
     ASSERT_FALSE(windows.styles.isEmpty());
-    const std::uint32_t frameBits = (WindowStyle::CaptionBits & ~WindowStyle::ClipBits) | WindowStyle::SysMenuBit |
-                                    WindowStyle::MinimizeBit | WindowStyle::MaximizeBit |
-                                    WindowStyle::SizeBoxBit | WindowStyle::PopupBit;
+    const std::uint32_t frameBits =
+        (WindowStyle::CaptionBits & ~WindowStyle::ClipBits) | WindowStyle::SysMenuBit |
+        WindowStyle::MinimizeBit | WindowStyle::MaximizeBit | WindowStyle::SizeBoxBit | WindowStyle::PopupBit;
     EXPECT_EQ(windows.styles.last() & frameBits, 0u);
     EXPECT_GE(windows.shows, 1);
     EXPECT_EQ(windows.geometries.last(), QRect(0, 0, 580, 435));
@@ -338,8 +320,7 @@ TEST_F(SlideShowTest, ShowAtTopLevelIsEmbeddedIntoThePaneWithoutFrame)
     EXPECT_EQ(windows.geometries.last(), QRect(0, 0, 145, 109));
 }
 
-TEST_F(SlideShowTest, ShutdownEndsTheProgramAndDropsAWaitingOpen)
-{
+TEST_F(SlideShowTest, ShutdownEndsTheProgramAndDropsAWaitingOpen) {
     prompts.answerFile(deckPath());
     show->openSlides();
     show->shutdown();
@@ -349,8 +330,7 @@ TEST_F(SlideShowTest, ShutdownEndsTheProgramAndDropsAWaitingOpen)
     EXPECT_EQ(ppt_txt->text(), "no");
 }
 
-TEST_F(SlideShowTest, WithoutAPresentationProgramEveryOpenFailsWithTheMessage)
-{
+TEST_F(SlideShowTest, WithoutAPresentationProgramEveryOpenFailsWithTheMessage) {
     SlideShow bare(fields, std::make_unique<NoPresentationProgram>(), &windows);
     QSignalSpy finished(&bare, &SlideShow::finished);
     prompts.answerFile(deckPath());
