@@ -5,6 +5,7 @@
 #include <QUrl>
 #include <QUuid>
 #include <csignal>
+#include <sys/prctl.h>
 #include <sys/types.h>
 #include <unistd.h>
 
@@ -59,7 +60,12 @@ bool OfficeProcess::launch() {
     m_process->setProcessEnvironment(env);
     m_process->setStandardOutputFile(QProcess::nullDevice());
     m_process->setStandardErrorFile(QProcess::nullDevice());
-    m_process->setChildProcessModifier([] { setsid(); });
+    // Its own session, so stopping it reaches whatever it forks; and it ends
+    // with us even when we end without shutting it down.
+    m_process->setChildProcessModifier([] {
+        setsid();
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+    });
     connect(m_process.get(), &QProcess::finished, this, [this](int exitCode) { onFinished(exitCode); });
     m_process->start();
     if (!m_process->waitForStarted(5000)) {
