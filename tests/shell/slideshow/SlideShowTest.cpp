@@ -165,6 +165,26 @@ TEST_F(SlideShowTest, FirstOpenWaitsForTheProgramThenShowsInThePane) {
     EXPECT_FALSE(windows.touched()); // an embedded show needs no window surgery
 }
 
+TEST_F(SlideShowTest, OpeningAgainWhileTheProgramStartsShowsOnlyTheLastChoice)
+{
+    const std::string other = folder.file("later.ppt");
+    QFile file(QString::fromStdString(other));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    show->openSlidesStart(); // no welcome deck here: reported, program untouched
+    prompts.messages.clear();
+    prompts.answerFile(deckPath());
+    prompts.answerFile(QString::fromStdString(other));
+    show->openSlides();
+    show->openSlides();
+    EXPECT_EQ(program->prepareCalls, 1);
+    program->finishPrepare();
+    EXPECT_EQ(program->openedPaths, QStringList{QString::fromStdString(other)});
+    EXPECT_EQ(window.windowTitle(), "Mirabend 1.0 later.ppt");
+    EXPECT_FALSE(show->isOpening());
+    EXPECT_TRUE(prompts.messages.isEmpty());
+}
+
 TEST_F(SlideShowTest, SecondOpenReplacesCaptionAndPathWithoutRestartingTheProgram) {
     openRunning();
     const std::string other = folder.file("Other Deck.ppt");
