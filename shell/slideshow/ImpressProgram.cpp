@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QLoggingCategory>
 #include <QThread>
 #include <QTimer>
 #include <QUrl>
@@ -45,6 +46,10 @@ namespace frame = com::sun::star::frame;
 namespace lang = com::sun::star::lang;
 namespace presentation = com::sun::star::presentation;
 namespace util = com::sun::star::util;
+
+// QT_LOGGING_RULES="mirabend.slideshow.debug=true" traces the office's
+// start and every show's steps with their times.
+Q_LOGGING_CATEGORY(lcShow, "mirabend.slideshow", QtWarningMsg)
 
 namespace {
 
@@ -177,6 +182,7 @@ struct ImpressProgram::Impl {
             report({ShowError::StartFailed, "soffice.bin could not be started"});
             return;
         }
+        qCDebug(lcShow) << "office started, pid" << office.pid();
         connecting = true;
         connectClock.start();
         retry.start();
@@ -196,6 +202,7 @@ struct ImpressProgram::Impl {
         std::string detail;
         switch (session.connect(office.connectUrl(), detail)) {
         case UnoSession::Attempt::Connected:
+            qCDebug(lcShow) << "connected after" << connectClock.elapsed() << "ms";
             retry.stop();
             connecting = false;
             Q_EMIT q.prepared({});
@@ -211,6 +218,7 @@ struct ImpressProgram::Impl {
     }
 
     void onOfficeEnded(int exitCode) {
+        qCDebug(lcShow) << "office ended, exit code" << exitCode;
         if (connecting) {
             if (exitCode == kOfficeRestartCode && restarts++ < 2 && office.restart())
                 return;
@@ -353,8 +361,11 @@ struct ImpressProgram::Impl {
         try {
             if (ShowFailure f = createFrame(*s, pane, size))
                 return f;
+            QElapsedTimer clock;
+            clock.start();
             if (ShowFailure f = load(*s, path))
                 return f;
+            qCDebug(lcShow) << "loaded in" << clock.elapsed() << "ms";
             hideChrome(*s);
             if (ShowFailure f = runShow(*s)) {
                 if (f.code == ShowError::ProgramLost) {
@@ -372,6 +383,7 @@ struct ImpressProgram::Impl {
                 s->abandon();
             return f;
         }
+        qCDebug(lcShow) << "show runs";
         show = std::move(s);
         return {};
     }
