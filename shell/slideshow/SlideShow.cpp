@@ -116,6 +116,7 @@ void SlideShow::onPrepared(const ShowFailure& failure) {
         return;
     if (failure) {
         m_pending.reset();
+        m_retrying = false;
         fail(failure);
         return;
     }
@@ -132,6 +133,15 @@ void SlideShow::showPending() {
     }
     const auto pane = static_cast<NativeHandle>(m_fields.frmSS->winId());
     const ShowFailure failure = m_program->startShow(pending.path, pane, paneSize());
+    if (failure.code == ShowError::ProgramLost && !m_retrying) {
+        // The program died under the open (an office can still end itself
+        // just after it started): once more, on a fresh one.
+        m_retrying = true;
+        m_pending = pending;
+        m_program->prepare();
+        return;
+    }
+    m_retrying = false;
     if (failure) {
         fail(failure);
         return;

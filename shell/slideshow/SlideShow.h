@@ -77,6 +77,7 @@ private:
     WindowSystem* m_system;
     std::optional<Pending> m_pending;
     bool m_showRunning = false;
+    bool m_retrying = false; // the open runs again on a fresh program
 };
 
 } // namespace mirabend

@@ -4,6 +4,7 @@
 #include <com/sun/star/bridge/XUnoUrlResolver.hpp>
 #include <com/sun/star/connection/NoConnectException.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
+#include <com/sun/star/lang/DisposedException.hpp>
 #include <cppuhelper/bootstrap.hxx>
 #include <cstdlib>
 
@@ -54,9 +55,16 @@ UnoSession::Attempt UnoSession::connect(const QString& url, std::string& detail)
         const uno::Reference<uno::XInterface> remote = resolver->resolve(toOU(url));
         uno::Reference<uno::XComponentContext> context(remote, uno::UNO_QUERY_THROW);
         m_desktop = frame::Desktop::create(context);
+        // One real call: the desktop answers only once the office serves.
+        m_desktop->getComponents();
         m_context = context;
         return Attempt::Connected;
     } catch (const com::sun::star::connection::NoConnectException&) {
+        return Attempt::NotYet;
+    } catch (const com::sun::star::lang::DisposedException&) {
+        // An office that is still starting (or restarting itself after
+        // creating its profile) may drop a connection it had accepted.
+        reset();
         return Attempt::NotYet;
     } catch (const uno::Exception& e) {
         detail = "connect: " + describe(e);

@@ -3,6 +3,7 @@
 #include "shell/slideshow/UnoSession.h"
 
 #include <QDir>
+#include <QThread>
 #include <QUrl>
 #include <com/sun/star/beans/PropertyValue.hpp>
 #include <com/sun/star/frame/XComponentLoader.hpp>
@@ -34,7 +35,13 @@ rtl::OUString urlOf(const QString& path) {
 bool saveAsPowerPoint(const QString& connectUrl, const QString& fodp, const QString& folder,
                       const QString& base, DeckFiles& out, std::string& error) {
     UnoSession session;
-    if (session.connect(connectUrl, error) != UnoSession::Attempt::Connected) {
+    UnoSession::Attempt attempt = UnoSession::Attempt::NotYet;
+    for (int tries = 0; tries < 50 && attempt == UnoSession::Attempt::NotYet; ++tries) {
+        attempt = session.connect(connectUrl, error);
+        if (attempt == UnoSession::Attempt::NotYet)
+            QThread::msleep(100);
+    }
+    if (attempt != UnoSession::Attempt::Connected) {
         if (error.empty())
             error = "no office at " + connectUrl.toStdString();
         return false;

@@ -165,8 +165,7 @@ TEST_F(SlideShowTest, FirstOpenWaitsForTheProgramThenShowsInThePane) {
     EXPECT_FALSE(windows.touched()); // an embedded show needs no window surgery
 }
 
-TEST_F(SlideShowTest, OpeningAgainWhileTheProgramStartsShowsOnlyTheLastChoice)
-{
+TEST_F(SlideShowTest, OpeningAgainWhileTheProgramStartsShowsOnlyTheLastChoice) {
     const std::string other = folder.file("later.ppt");
     QFile file(QString::fromStdString(other));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -221,6 +220,32 @@ TEST_F(SlideShowTest, EveryFailureShowsTheMessageAndLeavesNoPresentation) {
     EXPECT_EQ(ppt_txt->text(), "no");
     show->navigate(QStringLiteral("next"));
     EXPECT_TRUE(program->moves.isEmpty());
+}
+
+TEST_F(SlideShowTest, ProgramDyingUnderAnOpenGetsOneMoreTry) {
+    openRunning();
+    // Dies under the next open: a fresh program shows it.
+    program->startFailure = {ShowError::ProgramLost, "gone"};
+    prompts.answerFile(deckPath());
+    show->openSlides();
+    EXPECT_EQ(program->openedPaths.size(), 2);
+    EXPECT_EQ(program->prepareCalls, 1);
+    EXPECT_EQ(ppt_txt->text(), "ppt"); // not reported yet
+    EXPECT_TRUE(prompts.messages.isEmpty());
+    program->startFailure = {};
+    program->finishPrepare();
+    EXPECT_EQ(program->openedPaths.size(), 3);
+    EXPECT_EQ(ppt_txt->text(), "ppt");
+    EXPECT_TRUE(prompts.messages.isEmpty());
+
+    // Dying twice in a row is a failure.
+    program->startFailure = {ShowError::ProgramLost, "gone"};
+    prompts.answerFile(deckPath());
+    show->openSlides();
+    program->finishPrepare();
+    expectFailureBox();
+    EXPECT_EQ(program->prepareCalls, 2);
+    EXPECT_EQ(ppt_txt->text(), "no");
 }
 
 TEST_F(SlideShowTest, FilesThatDoNotExistNeverStartTheProgram) {
