@@ -22,6 +22,8 @@
 #include <com/sun/star/frame/Frame.hpp>
 #include <com/sun/star/frame/XComponentLoader.hpp>
 #include <com/sun/star/frame/XController2.hpp>
+#include <com/sun/star/frame/XDispatch.hpp>
+#include <com/sun/star/frame/XDispatchProvider.hpp>
 #include <com/sun/star/frame/XFrame2.hpp>
 #include <com/sun/star/frame/XFrames.hpp>
 #include <com/sun/star/frame/XLayoutManager.hpp>
@@ -35,6 +37,8 @@
 #include <com/sun/star/presentation/XSlideShowController.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
 #include <com/sun/star/ui/XSidebarProvider.hpp>
+#include <com/sun/star/util/URL.hpp>
+#include <com/sun/star/util/URLTransformer.hpp>
 #include <com/sun/star/util/XCloseable.hpp>
 
 namespace mirabend {
@@ -321,6 +325,31 @@ struct ImpressProgram::Impl {
         }
     }
 
+    // XPresentation::start() runs the show's start in the thread that
+    // serves our call, and with the X11 backend that thread can sit on the
+    // X connection for a minute while the office's main thread waits on the
+    // same connection. Dispatched asynchronously, the start runs on the
+    // office's main thread instead.
+    void startOnOfficeThread(ShowHandles& s) {
+        try {
+            util::URL url;
+            url.Complete = rtl::OUString(".uno:Presentation");
+            util::URLTransformer::create(session.context())->parseStrict(url);
+            const uno::Reference<frame::XDispatchProvider> provider(s.frame, uno::UNO_QUERY_THROW);
+            const uno::Reference<frame::XDispatch> dispatch =
+                provider->queryDispatch(url, rtl::OUString("_self"), 0);
+            if (dispatch.is()) {
+                const beans::PropertyValue later = propertyValue("SynchronMode", uno::Any(false));
+                dispatch->dispatch(url, uno::Sequence<beans::PropertyValue>(&later, 1));
+                return;
+            }
+        } catch (const lang::DisposedException&) {
+            throw;
+        } catch (const uno::Exception&) {
+        }
+        s.presentation->start();
+    }
+
     ShowFailure runShow(ShowHandles& s) {
         const uno::Reference<beans::XPropertySet> settings(s.presentation, uno::UNO_QUERY_THROW);
         setQuietly(settings, "IsFullScreen", uno::Any(false));
@@ -337,7 +366,7 @@ struct ImpressProgram::Impl {
         setQuietly(settings, "IsAutomatic", uno::Any(false));
         setQuietly(settings, "FirstPage", uno::Any(rtl::OUString()));
         setQuietly(settings, "CustomShow", uno::Any(rtl::OUString()));
-        s.presentation->start();
+        startOnOfficeThread(s);
         // The show comes up on the office's own main loop.
         QElapsedTimer clock;
         clock.start();
