@@ -59,6 +59,8 @@ namespace {
 
 constexpr int kConnectIntervalMs = 100;
 constexpr int kShowStartMs = 15000;
+constexpr int kShowAttemptMs = 3000;
+constexpr int kShowStartAttempts = 3;
 // An office that has just created its profile exits with this code and
 // expects its launcher to start it again.
 constexpr int kOfficeRestartCode = 81;
@@ -366,17 +368,30 @@ struct ImpressProgram::Impl {
         setQuietly(settings, "IsAutomatic", uno::Any(false));
         setQuietly(settings, "FirstPage", uno::Any(rtl::OUString()));
         setQuietly(settings, "CustomShow", uno::Any(rtl::OUString()));
-        startOnOfficeThread(s);
-        // The show comes up on the office's own main loop.
+        // The show comes up on the office's own main loop. A dispatch that
+        // arrives before the document's view is ready is dropped without a
+        // word, so it is repeated; the last try calls start() directly.
         QElapsedTimer clock;
         clock.start();
-        while (clock.elapsed() < kShowStartMs) {
-            s.controller = s.presentation->getController();
-            if (s.controller.is() && s.controller->isRunning() && s.controller->getSlideCount() > 0)
-                return {};
-            if (!office.isRunning())
-                return {ShowError::ProgramLost, "the office ended while starting the show"};
-            QThread::msleep(20);
+        for (int attempt = 0; attempt < kShowStartAttempts; ++attempt) {
+            const bool last = attempt + 1 == kShowStartAttempts;
+            if (!s.presentation->isRunning()) {
+                if (last)
+                    s.presentation->start();
+                else
+                    startOnOfficeThread(s);
+            }
+            const qint64 until = last ? kShowStartMs : clock.elapsed() + kShowAttemptMs;
+            while (clock.elapsed() < until) {
+                s.controller = s.presentation->getController();
+                if (s.controller.is() && s.controller->isRunning() && s.controller->getSlideCount() > 0) {
+                    qCDebug(lcShow) << "show started on attempt" << attempt + 1;
+                    return {};
+                }
+                if (!office.isRunning())
+                    return {ShowError::ProgramLost, "the office ended while starting the show"};
+                QThread::msleep(20);
+            }
         }
         s.controller.clear();
         return {ShowError::ShowFailed, "the show did not start"};
