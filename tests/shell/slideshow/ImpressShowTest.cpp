@@ -1,0 +1,348 @@
+// The slide show on a real LibreOffice Impress, on a private X display: one
+// office for the whole executable, started the way Mirabend starts it (its
+// own profile and pipe) and stopped by its process id at the end. The decks
+// are three solid-colour slides, so what the pane shows is checked by the
+// colour at its centre.
+#include "OfficeDecks.h"
+#include "shell/slideshow/ImpressProgram.h"
+#include "shell/slideshow/OfficeProcess.h"
+#include "shell/slideshow/SlideShow.h"
+#include "support/ChildProcess.h"
+#include "support/ScriptedPrompts.h"
+
+#include <QFile>
+#include <QGuiApplication>
+#include <QImage>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QPixmap>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QTest>
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace mirabend::test {
+namespace {
+
+const QColor kRed(255, 0, 0);
+const QColor kGreen(0, 255, 0);
+const QColor kBlue(0, 0, 255);
+const QColor kEmptyPane(128, 128, 128);
+constexpr int kOpenWaitMs = 60000;
+
+bool near(const QColor& a, const QColor& b) {
+    return std::abs(a.red() - b.red()) < 40 && std::abs(a.green() - b.green()) < 40 &&
+           std::abs(a.blue() - b.blue()) < 40;
+}
+
+std::string name(const QColor& c) {
+    return c.name().toStdString();
+}
+
+// The main window's part that the slide show touches, laid out as the stage.
+struct Stage {
+    QMainWindow window;
+    QWidget* Picture1 = new QWidget(&window);
+    QWidget* frmSS = new QWidget(Picture1);
+    QLineEdit* Text1 = new QLineEdit(&window);
+    QLineEdit* Text3 = new QLineEdit(&window);
+    QLineEdit* ppt_txt = new QLineEdit(&window);
+    QLineEdit* slide_txt = new QLineEdit(&window);
+    QLineEdit* slideNow_txt = new QLineEdit(&window);
+    ScriptedPrompts prompts;
+    ImpressProgram* program = nullptr;
+    std::unique_ptr<SlideShow> show;
+
+    Stage() {
+        window.setCentralWidget(Picture1);
+        window.resize(900, 700);
+        frmSS->setAttribute(Qt::WA_NativeWindow);
+        frmSS->setAutoFillBackground(true);
+        QPalette palette = frmSS->palette();
+        palette.setColor(QPalette::Window, kEmptyPane);
+        frmSS->setPalette(palette);
+        frmSS->setGeometry(0, 0, 580, 435);
+        for (QLineEdit* field : {Text1, Text3, ppt_txt, slide_txt, slideNow_txt})
+            field->hide();
+        ppt_txt->setText(QStringLiteral("no"));
+        ShellFields fields;
+        fields.window = &window;
+        fields.frmSS = frmSS;
+        fields.Text1 = Text1;
+        fields.Text3 = Text3;
+        fields.ppt_txt = ppt_txt;
+        fields.slide_txt = slide_txt;
+        fields.slideNow_txt = slideNow_txt;
+        fields.prompts = &prompts;
+        auto owned = std::make_unique<ImpressProgram>();
+        program = owned.get();
+        show = std::make_unique<SlideShow>(fields, std::move(owned));
+        window.show();
+    }
+
+    // The colour the screen shows at a point of the pane given in fractions
+    // of its size (the centre by default).
+    QColor colourAt(double fx = 0.5, double fy = 0.5) const {
+        const QPoint point = frmSS->mapToGlobal(QPoint(int(frmSS->width() * fx), int(frmSS->height() * fy)));
+        const QImage image =
+            QGuiApplication::primaryScreen()->grabWindow(0, point.x(), point.y(), 1, 1).toImage();
+        return image.isNull() ? QColor() : image.pixelColor(0, 0);
+    }
+
+    // Waits for the pane to show `expected` (rendering is asynchronous).
+    QColor waitForColour(const QColor& expected, double fx = 0.5, double fy = 0.5) const {
+        QColor seen;
+        (void)QTest::qWaitFor(
+            [&] {
+                seen = colourAt(fx, fy);
+                return near(seen, expected);
+            },
+            10000);
+        saveShot();
+        return seen;
+    }
+
+    // With MIRABEND_SLIDESHOW_SHOTS set to a folder, every colour check
+    // leaves a picture of the screen there, to see what the pane showed.
+    void saveShot() const {
+        static int count = 0;
+        const QString folder = qEnvironmentVariable("MIRABEND_SLIDESHOW_SHOTS");
+        if (!folder.isEmpty())
+            QGuiApplication::primaryScreen()->grabWindow(0).save(
+                QStringLiteral("%1/shot-%2.png").arg(folder).arg(++count, 3, 10, QLatin1Char('0')));
+    }
+
+    bool open(const QString& path) {
+        QSignalSpy finished(show.get(), &SlideShow::finished);
+        prompts.answerFile(path);
+        show->openSlides();
+        if (finished.isEmpty() && !finished.wait(kOpenWaitMs))
+            return false;
+        return finished[0][0].toBool();
+    }
+};
+
+class ImpressShowTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        s_stage = new Stage;
+        s_folder = new TempFolder("mirabend-slides");
+        if (!QTest::qWaitForWindowExposed(&s_stage->window)) {
+            s_setupError = "the stage window was never shown";
+            return;
+        }
+        QSignalSpy prepared(s_stage->program, &PresentationProgram::prepared);
+        s_stage->program->prepare();
+        if (!prepared.wait(kOpenWaitMs) || prepared[0][0].value<ShowFailure>()) {
+            s_setupError = "the office did not start";
+            return;
+        }
+        s_officePid = s_stage->program->office().pid();
+        const QString fodp = QStringLiteral(MIRABEND_SLIDESHOW_TEST_DATA "/ThreeColours.fodp");
+        if (!saveAsPowerPoint(s_stage->program->office().connectUrl(), fodp,
+                              QString::fromStdString(s_folder->path()), QStringLiteral("colours"), s_decks,
+                              s_setupError))
+            return;
+        s_ready = true;
+    }
+
+    static void TearDownTestSuite() {
+        const qint64 pid = s_stage->program->office().pid();
+        s_stage->show->shutdown();
+        // Whatever office is left ends by its process id.
+        if (pid > 0 && kill(static_cast<pid_t>(pid), 0) == 0)
+            kill(static_cast<pid_t>(pid), SIGKILL);
+        delete s_stage;
+        delete s_folder;
+        s_stage = nullptr;
+        s_folder = nullptr;
+    }
+
+    void SetUp() override {
+        ASSERT_TRUE(s_ready) << s_setupError;
+        stage().prompts.messages.clear();
+        stage().frmSS->setGeometry(0, 0, 580, 435);
+    }
+
+    static Stage& stage() { return *s_stage; }
+
+    void expectSlide(const char* key, int slide, const QColor& colour) {
+        Stage& s = stage();
+        s.Text3->clear();
+        s.show->navigate(QString::fromLatin1(key));
+        EXPECT_EQ(s.slideNow_txt->text(), QString::number(slide)) << key;
+        EXPECT_EQ(s.Text3->text(), QString::number(slide)) << key;
+        EXPECT_EQ(s.slide_txt->text(), "3") << key;
+        const QColor seen = s.waitForColour(colour);
+        EXPECT_TRUE(near(seen, colour)) << key << ": " << name(seen);
+    }
+
+    static Stage* s_stage;
+    static TempFolder* s_folder;
+    static DeckFiles s_decks;
+    static bool s_ready;
+    static std::string s_setupError;
+    static qint64 s_officePid;
+};
+
+Stage* ImpressShowTest::s_stage = nullptr;
+TempFolder* ImpressShowTest::s_folder = nullptr;
+DeckFiles ImpressShowTest::s_decks;
+bool ImpressShowTest::s_ready = false;
+std::string ImpressShowTest::s_setupError;
+qint64 ImpressShowTest::s_officePid = 0;
+
+TEST_F(ImpressShowTest, EachFormatShowsInThePaneAndNavigates) {
+    Stage& s = stage();
+    for (const QString& deck : {s_decks.pptx, s_decks.ppt, s_decks.pps}) {
+        SCOPED_TRACE(deck.toStdString());
+        ASSERT_TRUE(s.open(deck));
+        EXPECT_EQ(s.window.windowTitle(), "Mirabend 1.0 " + QFileInfo(deck).fileName());
+        EXPECT_EQ(s.Text1->text(), deck);
+        EXPECT_EQ(s.ppt_txt->text(), "ppt");
+        EXPECT_EQ(s.slide_txt->text(), "3");
+        EXPECT_EQ(s.slideNow_txt->text(), "1");
+        const QColor first = s.waitForColour(kRed);
+        EXPECT_TRUE(near(first, kRed)) << name(first);
+        // Near the corners too: no menu, toolbar, sidebar or status bar.
+        for (const auto& [fx, fy] : {std::pair{0.04, 0.04}, {0.96, 0.04}, {0.04, 0.96}, {0.96, 0.96}}) {
+            const QColor corner = s.waitForColour(kRed, fx, fy);
+            EXPECT_TRUE(near(corner, kRed)) << fx << "," << fy << ": " << name(corner);
+        }
+
+        expectSlide("next", 2, kGreen);
+        expectSlide("next", 3, kBlue);
+        expectSlide("next", 3, kBlue); // never the office's black end screen
+        expectSlide("previous", 2, kGreen);
+        expectSlide("first", 1, kRed);
+        expectSlide("last", 3, kBlue);
+    }
+    EXPECT_TRUE(s.prompts.messages.isEmpty());
+    EXPECT_EQ(s.program->office().pid(), s_officePid); // one office for all opens
+
+    // The end of the show leaves the pane cleanly empty.
+    s.show->navigate(QStringLiteral("exit"));
+    const QColor after = s.waitForColour(kEmptyPane);
+    EXPECT_TRUE(near(after, kEmptyPane)) << name(after);
+    EXPECT_EQ(s.Text3->text(), "3");
+}
+
+TEST_F(ImpressShowTest, ShowFollowsThePaneThroughModesAndRotations) {
+    Stage& s = stage();
+    ASSERT_TRUE(s.open(s_decks.pptx));
+    s.show->navigate(QStringLiteral("next"));
+    const QColor start = s.waitForColour(kGreen);
+    ASSERT_TRUE(near(start, kGreen)) << name(start);
+
+    struct Place {
+        const char* what;
+        QRect rect;
+        bool rotation;
+    };
+    const Place places[] = {
+        {"side mode", QRect(10, 20, 625, 469), false},
+        {"single mode", QRect(0, 0, 580, 435), false},
+        {"rotation: the large place", QRect(200, 144, 583, 443), true},
+        {"rotation: the camera's place", QRect(735, 20, 145, 109), true},
+    };
+    for (const Place& place : places) {
+        s.frmSS->setGeometry(place.rect);
+        if (place.rotation)
+            s.show->PresentSize();
+        else
+            s.show->OpenSlidesResize();
+        const QColor seen = s.waitForColour(kGreen);
+        EXPECT_TRUE(near(seen, kGreen)) << place.what << ": " << name(seen);
+        EXPECT_EQ(s.slideNow_txt->text(), "2") << place.what;
+    }
+}
+
+TEST_F(ImpressShowTest, CancelLeavesTheRunningShowAlone) {
+    Stage& s = stage();
+    ASSERT_TRUE(s.open(s_decks.ppt));
+    const QString caption = s.window.windowTitle();
+    s.prompts.answerFile(QString());
+    s.show->openSlides();
+    EXPECT_EQ(s.window.windowTitle(), caption);
+    EXPECT_EQ(s.Text1->text(), s_decks.ppt);
+    EXPECT_EQ(s.ppt_txt->text(), "ppt");
+    const QColor seen = s.waitForColour(kRed);
+    EXPECT_TRUE(near(seen, kRed)) << name(seen);
+}
+
+TEST_F(ImpressShowTest, CorruptOrForeignFilesGiveTheMessageAndAnEmptyPane) {
+    Stage& s = stage();
+    const QString corrupt = QString::fromStdString(s_folder->file("corrupt.ppt"));
+    QFile file(corrupt);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    QByteArray junk(64 * 1024, '\0');
+    for (int i = 0; i < junk.size(); ++i)
+        junk[i] = static_cast<char>((i * 7919) % 251);
+    file.write("\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1", 8); // an OLE header with nothing sane behind it
+    file.write(junk);
+    file.close();
+    const QString letter = QString::fromStdString(s_folder->file("letter.pptx"));
+    QFile text(letter);
+    ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+    text.write("Dear reader,\nthis is no presentation.\n");
+    text.close();
+
+    for (const QString& path : {corrupt, letter}) {
+        SCOPED_TRACE(path.toStdString());
+        s.prompts.messages.clear();
+        ASSERT_TRUE(s.open(s_decks.pptx));
+        EXPECT_FALSE(s.open(path));
+        ASSERT_EQ(s.prompts.messages.size(), 1);
+        EXPECT_EQ(s.prompts.messages[0].text, "Mirabend can't open the presentation!");
+        EXPECT_EQ(s.prompts.messages[0].title, "Mirabend 1.0");
+        EXPECT_EQ(s.prompts.messages[0].icon, PromptIcon::Critical);
+        EXPECT_EQ(s.ppt_txt->text(), "no");
+        const QColor seen = s.waitForColour(kEmptyPane);
+        EXPECT_TRUE(near(seen, kEmptyPane)) << name(seen);
+    }
+    // The office is still there for the next presentation.
+    EXPECT_TRUE(s.open(s_decks.pptx));
+    EXPECT_EQ(s.program->office().pid(), s_officePid);
+}
+
+TEST_F(ImpressShowTest, WelcomePresentationOpensFromTheProgramFolder) {
+    Stage& s = stage();
+    // The build puts Welcome.ppt next to the program; the tests run elsewhere.
+    qputenv("MIRABEND_DATA_DIR", MIRABEND_RUNTIME_DIR);
+    QSignalSpy finished(s.show.get(), &SlideShow::finished);
+    s.show->openSlidesStart();
+    ASSERT_TRUE(!finished.isEmpty() || finished.wait(kOpenWaitMs));
+    ASSERT_TRUE(finished[0][0].toBool());
+    EXPECT_EQ(s.window.windowTitle(), "Mirabend 1.0 Welcome.ppt");
+    EXPECT_EQ(s.slide_txt->text(), "4");
+    EXPECT_EQ(s.slideNow_txt->text(), "1");
+}
+
+// Last: it replaces the suite's office.
+TEST_F(ImpressShowTest, OfficeDyingMidShowIsReportedAndTheNextOpenStartsAFreshOne) {
+    Stage& s = stage();
+    ASSERT_TRUE(s.open(s_decks.pptx));
+    QSignalSpy finished(s.show.get(), &SlideShow::finished);
+    const qint64 pid = s.program->office().pid();
+    ASSERT_EQ(kill(static_cast<pid_t>(pid), SIGKILL), 0);
+    ASSERT_TRUE(finished.wait(10000));
+    EXPECT_FALSE(finished[0][0].toBool());
+    ASSERT_EQ(s.prompts.messages.size(), 1);
+    EXPECT_EQ(s.prompts.messages[0].text, "Mirabend can't open the presentation!");
+    EXPECT_EQ(s.ppt_txt->text(), "no");
+    const QColor empty = s.waitForColour(kEmptyPane);
+    EXPECT_TRUE(near(empty, kEmptyPane)) << name(empty);
+
+    s.show->navigate(QStringLiteral("next")); // nothing to move, nothing breaks
+    s.show->PresentSize();
+
+    ASSERT_TRUE(s.open(s_decks.pps));
+    EXPECT_NE(s.program->office().pid(), pid);
+    EXPECT_EQ(s.ppt_txt->text(), "ppt");
+    const QColor seen = s.waitForColour(kRed);
+    EXPECT_TRUE(near(seen, kRed)) << name(seen);
+}
+
+} // namespace
+} // namespace mirabend::test
