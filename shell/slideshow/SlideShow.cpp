@@ -191,12 +191,12 @@ void SlideShow::embedTopLevelShow() {
     if (m_fields.window)
         system.setWindowText(show, m_fields.window->windowTitle());
     WindowStyle style(&system);
-    style.Border(WindowStyle::False);
-    style.Sysmenu(WindowStyle::False);
-    style.Minimize(WindowStyle::False);
-    style.Maximize(WindowStyle::False);
-    style.Sizebox(WindowStyle::False);
-    style.popup(WindowStyle::False);
+    style.Border(WindowStyle::kFalse);
+    style.Sysmenu(WindowStyle::kFalse);
+    style.Minimize(WindowStyle::kFalse);
+    style.Maximize(WindowStyle::kFalse);
+    style.Sizebox(WindowStyle::kFalse);
+    style.popup(WindowStyle::kFalse);
     style.HWnd(show);
     style.Update_Style();
     const QSize size = paneSize();

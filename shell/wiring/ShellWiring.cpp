@@ -3,6 +3,7 @@
 #include "audio/ui/AudioTools.h"
 #include "recording/engine/RecordScreenTool.h"
 #include "recording/ui/remote/RemoteClient.h"
+#include "shell/slideshow/SlideShowFactory.h"
 #include "shell/wiring/AudioWiring.h"
 #include "shell/wiring/RecordingWiring.h"
 #include "util/CommandLineTool.h"
@@ -15,6 +16,9 @@ ShellServices makeShellServices(Prompts& prompts)
     services.prompts = &prompts;
     services.makeRecording = [&prompts](Mirabend_frm& window) -> std::unique_ptr<RecordingPort> {
         return std::make_unique<RecordingWiring>(window, prompts);
+    };
+    services.makeSlides = [](Mirabend_frm& window) -> std::unique_ptr<SlideShowPort> {
+        return createSlideShow(window.context().fields);
     };
     services.makeAudio = [&prompts](Mirabend_frm& window) -> std::unique_ptr<AudioPort> {
         return std::make_unique<AudioWiring>(window, prompts);

@@ -140,9 +140,18 @@ protected:
         }
         s_officePid = s_stage->program->office().pid();
         const QString fodp = QStringLiteral(MIRABEND_SLIDESHOW_TEST_DATA "/ThreeColours.fodp");
-        if (!saveAsPowerPoint(s_stage->program->office().connectUrl(), fodp,
-                              QString::fromStdString(s_folder->path()), QStringLiteral("colours"), s_decks,
-                              s_setupError))
+        // A busy machine can make a freshly started office refuse the first
+        // load; it takes the next one.
+        bool saved = false;
+        for (int attempt = 0; attempt < 3 && !saved; ++attempt) {
+            if (attempt > 0)
+                QTest::qWait(1000);
+            s_setupError.clear();
+            saved = saveAsPowerPoint(s_stage->program->office().connectUrl(), fodp,
+                                     QString::fromStdString(s_folder->path()), QStringLiteral("colours"), s_decks,
+                                     s_setupError);
+        }
+        if (!saved)
             return;
         s_ready = true;
     }
