@@ -97,7 +97,8 @@ TEST_F(WarmUpRecording, TheRecordingLastsFromRequestToStopWithItsSoundToTheEnd) 
     EXPECT_GT(info.audioRms, 0.05) << "the sine source is audible";
 
     // The warm-up's scratch file was finished in the background as well.
-    const MediaInfo scratch = probe(ProgramFolder::writableFile(QStringLiteral("\\pretemp.avi")).toStdString());
+    const MediaInfo scratch =
+        probe(ProgramFolder::writableFile(QStringLiteral("\\pretemp.avi")).toStdString());
     EXPECT_TRUE(scratch.opened);
     EXPECT_EQ(scratch.videoCodec, "msvideo1");
 }
