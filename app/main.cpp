@@ -1,5 +1,6 @@
 // The start-up procedure of the mirabend executable: command-line modes and
 // --help/--version first, then the widget library, then the main window.
+#include "TerminationSignals.h"
 #include "shell/Mirabend_frm.h"
 #include "shell/wiring/ShellWiring.h"
 #include "util/CommandLineTool.h"
@@ -102,5 +103,8 @@ int main(int argc, char** argv)
         window.context().ports.slides->openFile(presentation);
     else
         window.context().ports.slides->openSlidesStart();
+    // Made after the window so that it goes first: a second signal while the
+    // window and the recorder wind down ends the program at once.
+    mirabend::TerminationSignals terminationSignals;
     return app.exec();
 }

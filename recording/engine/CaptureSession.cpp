@@ -49,7 +49,15 @@ CaptureSession::~CaptureSession()
 
 void CaptureSession::fail(RecorderError code, const std::string& detail)
 {
-    m_failures->add({code, detail});
+    std::lock_guard<std::mutex> lock(m_failuresMutex);
+    if (m_failures)
+        m_failures->add({code, detail});
+}
+
+void CaptureSession::stopReporting()
+{
+    std::lock_guard<std::mutex> lock(m_failuresMutex);
+    m_failures.reset();
 }
 
 RecorderFailure CaptureSession::start(const RecordingPlan& plan)
@@ -160,11 +168,19 @@ void CaptureSession::resume()
     m_clock.resume(av_gettime());
 }
 
+void CaptureSession::end()
+{
+    if (!m_started)
+        return;
+    m_endRequested = true;
+    endNow();
+}
+
 void CaptureSession::stop()
 {
     if (!m_started)
         return;
-    endNow();
+    end();
     for (std::thread* t : {&m_videoCapture, &m_audioCapture, &m_videoEncode, &m_audioEncode, &m_muxThread}) {
         if (t->joinable())
             t->join();

@@ -11,9 +11,9 @@
 // (window closed, screen unreadable, write failed) sets the ending flag; the
 // pipeline then drains and the mux thread closes a valid file.
 //
-// Thread contract: start(), pause(), resume() and stop() from the owner's
-// thread (the UI thread); running(), paused() and counters() from any
-// thread. The destructor stops.
+// Thread contract: start(), pause(), resume(), end(), stop() and
+// stopReporting() from the owner's thread (the UI thread); running(),
+// paused(), finished() and counters() from any thread. The destructor stops.
 
 #include "recording/engine/AudioEncoder.h"
 #include "recording/engine/DeviceInput.h"
@@ -26,6 +26,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <thread>
 
 namespace mirabend {
@@ -43,12 +44,22 @@ public:
     RecorderFailure start(const RecordingPlan& plan);
     void pause();
     void resume();
+    // Ends the recording at this instant and returns at once: the threads
+    // collect the sound the server still owes up to this instant, drain
+    // and close the file by themselves.
+    void end();
     // Ends the recording and waits until the file is closed.
     void stop();
+    // Failures met from now on are not reported (a later recording has
+    // taken over the failure log).
+    void stopReporting();
 
-    bool running() const { return m_started && !m_finished; }
+    bool running() const { return m_started && !m_finished && !m_endRequested; }
+    // The file is closed (or nothing was started).
+    bool finished() const { return !m_started || m_finished; }
     bool paused() const { return m_clock.paused(); }
     RecorderCounters counters() const;
+    const RecordingPlan& plan() const { return m_plan; }
     const VideoEncoder& videoEncoder() const { return m_videoEncoder; }
 
 private:
@@ -79,6 +90,7 @@ private:
     void endNow(); // any thread: the recording ends at this instant
 
     std::shared_ptr<OverlayBoard> m_overlay;
+    std::mutex m_failuresMutex; // stopReporting() against the threads' fail()
     std::shared_ptr<FailureLog> m_failures;
     RecordingPlan m_plan;
     RecordingClock m_clock;
@@ -101,6 +113,7 @@ private:
     std::atomic<bool> m_ending{false};
     std::atomic<bool> m_writeFailed{false};
     std::atomic<bool> m_finished{false};
+    std::atomic<bool> m_endRequested{false};
     std::atomic<std::int64_t> m_endStamp{0}; // wall clock when the recording ended
 
     std::atomic<std::uint64_t> m_framesCaptured{0};

@@ -53,6 +53,7 @@ Screen2Video::Screen2Video()
 Screen2Video::~Screen2Video()
 {
     StopCapture();
+    WaitForFinish();
 }
 
 int Screen2Video::ScreenWidth() const
@@ -288,10 +289,10 @@ bool Screen2Video::StartCapture()
         return false;
     }
     m_failures->clearLast();
-    {
-        std::lock_guard<std::mutex> lock(m_sessionMutex);
-        m_session.reset();
-    }
+    // The last recording may still be collecting late sound; it finishes
+    // on its own threads while this one starts.
+    retireSession();
+    settleFinishing(nullptr);
     RecorderFailure failure;
     RecordingPlan recording = plan(failure);
     if (failure) {
@@ -319,6 +320,7 @@ bool Screen2Video::StartCapture()
                 remember({RecorderError::AudioDeviceUnavailable, error});
         }
     }
+    settleFinishing(&recording);
     auto session = std::make_unique<CaptureSession>(m_overlay, m_failures);
     if (RecorderFailure f = session->start(recording)) {
         remember(f);
@@ -339,6 +341,74 @@ void Screen2Video::StopCapture()
     std::lock_guard<std::mutex> lock(m_sessionMutex);
     if (m_session)
         m_session->stop();
+}
+
+void Screen2Video::StopCaptureInBackground()
+{
+    {
+        std::lock_guard<std::mutex> lock(m_sessionMutex);
+        if (m_session)
+            m_session->end();
+    }
+    settleFinishing(nullptr);
+}
+
+bool Screen2Video::IsFinishing() const
+{
+    for (const auto& old : m_finishing) {
+        if (!old->finished())
+            return true;
+    }
+    std::lock_guard<std::mutex> lock(m_sessionMutex);
+    return m_session && !m_session->running() && !m_session->finished();
+}
+
+void Screen2Video::WaitForFinish()
+{
+    for (auto& old : m_finishing)
+        old->stop();
+    m_finishing.clear();
+    std::lock_guard<std::mutex> lock(m_sessionMutex);
+    if (m_session && !m_session->running())
+        m_session->stop();
+}
+
+void Screen2Video::retireSession()
+{
+    std::unique_ptr<CaptureSession> old;
+    {
+        std::lock_guard<std::mutex> lock(m_sessionMutex);
+        old = std::move(m_session);
+    }
+    if (!old)
+        return;
+    old->end();
+    // What it meets from here on would be taken for the new recording's.
+    old->stopReporting();
+    m_finishing.push_back(std::move(old));
+}
+
+void Screen2Video::settleFinishing(const RecordingPlan* next)
+{
+    const auto collides = [next](const CaptureSession& old) {
+        if (!next)
+            return false;
+        const RecordingPlan& was = old.plan();
+        if (was.file == next->file)
+            return true;
+        // An ALSA capture device takes one reader at a time; a sound server
+        // serves any number of streams from one source.
+        return next->audio.enabled && was.source.backend == "alsa" && next->source.backend == "alsa" &&
+               was.source.device == next->source.device;
+    };
+    for (auto it = m_finishing.begin(); it != m_finishing.end();) {
+        if ((*it)->finished() || collides(**it)) {
+            (*it)->stop();
+            it = m_finishing.erase(it);
+        } else {
+            ++it;
+        }
+    }
 }
 
 void Screen2Video::PauseCapture()

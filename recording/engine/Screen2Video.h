@@ -10,7 +10,8 @@
 // Thread contract: every member is called from one thread (the UI thread),
 // except Counters(), IsCapturing(), TakeFailures() and LastFailure(), which
 // any thread may call. Capture, encoding and writing run on threads of their
-// own, started by StartCapture() and joined by StopCapture() or the destructor.
+// own, started by StartCapture() and joined by StopCapture(), WaitForFinish()
+// or the destructor.
 
 #include "recording/engine/NamedList.h"
 #include "recording/engine/OverlaySettings.h"
@@ -169,7 +170,20 @@ public:
     // threads. False when the recording did not start; LastFailure() says why.
     bool StartCapture();
     // Stops, writes the rest and closes the file; waits for the threads.
+    // That takes as long as the sound server is late with the sound up to
+    // the stop (a sine source delivers 2 s blocks), up to 2.5 s.
     void StopCapture();
+    // Ends the recording at this instant like StopCapture(), but returns at
+    // once: the recording's own threads wait for the late sound, then close
+    // the file. A StartCapture() meanwhile does not wait for that unless it
+    // writes the same file or needs the same ALSA device; failures the old
+    // recording meets once the new one has started are not reported. The
+    // destructor waits for every file to be closed.
+    void StopCaptureInBackground();
+    // A stopped recording is still collecting late sound or closing its file.
+    bool IsFinishing() const;
+    // Waits until every stopped recording has closed its file.
+    void WaitForFinish();
     // Nothing is recorded while paused; the file continues without a gap.
     void PauseCapture();
     void ResumeCapture();
@@ -185,6 +199,11 @@ public:
 private:
     RecordingPlan plan(RecorderFailure& failure) const;
     void remember(const RecorderFailure& failure);
+    // Moves the last recording (ended) to the ones still finishing.
+    void retireSession();
+    // Joins the finishing recordings that are done, and those `next`
+    // (when given) would collide with.
+    void settleFinishing(const RecordingPlan* next);
 
     QString m_windowHandle;
     int m_mouseCursor = 0;
@@ -235,6 +254,8 @@ private:
     std::shared_ptr<OverlayBoard> m_overlay;
     mutable std::mutex m_sessionMutex; // guards m_session for the any-thread readers
     std::unique_ptr<CaptureSession> m_session;
+    // Stopped recordings whose threads may still be writing (UI thread only).
+    std::vector<std::unique_ptr<CaptureSession>> m_finishing;
     std::shared_ptr<FailureLog> m_failures;
 };
 

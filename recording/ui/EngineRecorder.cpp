@@ -70,7 +70,11 @@ bool EngineRecorder::StartCapture() {
 }
 
 void EngineRecorder::StopCapture() {
-    m_engine->StopCapture();
+    // The sound server may still owe seconds of sound up to this instant;
+    // waiting for it here would freeze the window and, after the warm-up,
+    // start the real recording that much late. The engine finishes the
+    // file on its own threads.
+    m_engine->StopCaptureInBackground();
     m_started = false;
 }
 

@@ -6,6 +6,8 @@
 // Thread contract: UI thread only, like RecorderControl. Screen2Video runs
 // its capture, encode and mux threads itself; failures they meet are
 // collected there and turned into RecordingFailure here when polled.
+// StopCapture() returns at once; the file is completed in the background
+// (engine().WaitForFinish() waits for it, the destructor does too).
 
 #include "recording/engine/Screen2Video.h"
 #include "recording/ui/RecorderControl.h"

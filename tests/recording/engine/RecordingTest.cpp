@@ -192,6 +192,49 @@ TEST_F(RecordingTest, AWarmUpOfOneTickStillClosesAValidFile)
     r.StopCapture();
 }
 
+TEST_F(RecordingTest, AStopInTheBackgroundCompletesTheFileWhileTheNextRecordingRuns)
+{
+    // The sine source delivers 2 s blocks: the sound up to a stop arrives
+    // long after it.
+    Screen2Video r;
+    const std::string first = m_folder.file("first.mkv");
+    const std::string second = m_folder.file("second.mkv");
+    r.OutputFileName(QString::fromStdString(first));
+    r.OutputFormat(5);
+    r.FrameRate(10);
+    r.ZoomRectangle(0, 0, 320, 240);
+    ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+    recordFor(r, 1.0);
+    r.StopCaptureInBackground();
+    EXPECT_FALSE(r.IsCapturing());
+
+    r.OutputFileName(QString::fromStdString(second));
+    r.ZoomRectangle(0, 0, 160, 120);
+    ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+    recordFor(r, 2.5);
+    r.StopCaptureInBackground();
+    // The same file once more at once, shorter: the last recording must be
+    // done with it before the next one opens it.
+    r.ZoomRectangle(0, 0, 240, 180);
+    ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+    recordFor(r, 1.0);
+    r.StopCaptureInBackground();
+    r.WaitForFinish();
+    EXPECT_FALSE(r.IsFinishing());
+    EXPECT_TRUE(r.TakeFailures().empty());
+
+    const test::MediaInfo one = probe(first);
+    ASSERT_TRUE(one.opened);
+    EXPECT_EQ(one.width, 320);
+    EXPECT_NEAR(one.videoSeconds, 1.0, 0.25);
+    EXPECT_NEAR(one.audioSeconds, one.videoSeconds, 0.15) << "the late sound is collected after the stop";
+    const test::MediaInfo two = probe(second);
+    ASSERT_TRUE(two.opened);
+    EXPECT_EQ(two.width, 240);
+    EXPECT_NEAR(two.videoSeconds, 1.0, 0.25);
+    EXPECT_NEAR(two.audioSeconds, two.videoSeconds, 0.15);
+}
+
 TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithoutSound)
 {
     // Point the sound clients at a server that does not exist: the device

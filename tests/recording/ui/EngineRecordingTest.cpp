@@ -111,6 +111,7 @@ protected:
         spinFor(700);
         EXPECT_EQ(host.panels[1], "Recording ...");
         form->StopRec();
+        recorder.engine().WaitForFinish(); // the file is closed in the background
     }
 
     TempFolder folder{"mirabend-rec-ui"};
@@ -182,6 +183,7 @@ TEST_F(EngineRecording, AFullDiskStopsTheRecordingWithOneMessageAndAValidFile) {
     EXPECT_EQ(host.text4, "sleep");
     spinFor(300); // no second message follows
     EXPECT_EQ(prompts.messages.size(), 1);
+    recorder.engine().WaitForFinish();
     const MediaInfo info = probe(file);
     EXPECT_TRUE(info.opened);
     EXPECT_GT(info.videoPackets, 0);
