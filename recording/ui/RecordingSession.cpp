@@ -248,7 +248,11 @@ void RecordingSession::ResumeRec() {
         m_host.setStatusPanel(1, text(kRecording));
     m_resumeTime = m_clock.now();
     m_pausedTotalMs += m_pauseTime.msecsTo(m_resumeTime);
-    Timer2->start();
+    // The clock runs only for a recording: the main window resumes around
+    // every layout change, recording or not, and an idle clock would show
+    // the time of day.
+    if (m_captureRunning)
+        Timer2->start();
     // Deliberately not back into the top-most band.
     if (m_captureRunning) {
         setState(State::Recording);

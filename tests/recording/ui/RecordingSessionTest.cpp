@@ -205,6 +205,7 @@ TEST_F(Session, PauseAndResumeWithoutARecordingClaimNothingRunning) {
     form->ResumeRec();
     EXPECT_EQ(recorder.calls, QStringList({"PauseCapture()", "ResumeCapture()"}));
     EXPECT_NE(host.panels[1], "Recording ...");
+    EXPECT_FALSE(session->Timer2->isActive()) << "an idle clock would show the time of day";
 }
 
 TEST_F(Session, RefusedStartShowsOneMessageAndNeverClaimsRecording) {
