@@ -94,6 +94,28 @@ protected:
         return false;
     }
 
+    // Polls the X server's window tree for the show window LibreOffice
+    // creates inside the slide pane: a nameless child at (0, 0) of the
+    // pane's size.
+    bool waitForShow(const std::string& size)
+    {
+        for (int i = 0; i < 120; ++i) {
+            const std::string tree = home.file("tree.txt");
+            ChildProcess lister;
+            lister.start({"xwininfo", "-root", "-tree"}, env, tree);
+            lister.wait(5000);
+            std::ifstream in(tree);
+            std::string line;
+            while (std::getline(in, line)) {
+                if (line.find("(has no name): ()") != std::string::npos &&
+                    line.find(size + "+0+0") != std::string::npos)
+                    return true;
+            }
+            sleepMs(250);
+        }
+        return false;
+    }
+
     std::string log() const
     {
         std::ifstream in(home.file("mirabend.log"));
@@ -115,8 +137,12 @@ TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
 {
     EXPECT_NE(run({"--command", "stop"}), 0) << "no instance runs yet: the client says so";
     ASSERT_TRUE(startProgram());
-    const std::string file = home.file("talk.mkv");
     ASSERT_EQ(run({"--command", "side"}), 0);
+    // The welcome presentation opens by itself when LibreOffice is there;
+    // its show window fills the slide pane, 625 x 469 in Side mode.
+    ASSERT_TRUE(waitForShow("625x469")) << "no slide show window filled the slide pane";
+    sleepMs(500);
+    const std::string file = home.file("talk.mkv");
     using Clock = std::chrono::steady_clock;
     const auto started = Clock::now();
     ASSERT_EQ(run({"--record-to", file}), 0);
@@ -153,6 +179,10 @@ TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
     EXPECT_GT(info.videoSeconds, wall - pause - 2.5);
     EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.5) << "sound and picture stay together";
     EXPECT_GT(info.audioRms, 0.01) << "the sine source is audible";
+    // Side mode: the slide pane sits at (10, 20), 625 wide; the welcome
+    // slide's white title is in its top part, on a dark ground.
+    EXPECT_GT(brightestLuma(file, 10, 20, 625, 120, 1.0), 180) << "the slide is in the recording";
+    EXPECT_LT(brightestLuma(file, 700, 300, 80, 80, 1.0), 120) << "beside the panes the stage is dark";
 }
 
 } // namespace

@@ -101,7 +101,7 @@ MediaInfo probe(const std::string& file)
 
 namespace mirabend::test {
 
-int brightestLuma(const std::string& file, int x, int y, int w, int h)
+int brightestLuma(const std::string& file, int x, int y, int w, int h, double atSeconds)
 {
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
@@ -127,6 +127,9 @@ int brightestLuma(const std::string& file, int x, int y, int w, int h)
             avcodec_send_packet(decoder.get(), packet.get());
         av_packet_unref(packet.get());
         if (!mine || avcodec_receive_frame(decoder.get(), frame.get()) < 0)
+            continue;
+        const int64_t pts = frame->best_effort_timestamp;
+        if (pts != AV_NOPTS_VALUE && pts * av_q2d(input->streams[index]->time_base) < atSeconds)
             continue;
         SwsPtr sws(sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format), frame->width,
                                   frame->height, AV_PIX_FMT_GRAY8, SWS_POINT, nullptr, nullptr, nullptr));

@@ -27,7 +27,7 @@ MediaInfo probe(const std::string& file);
 namespace mirabend::test {
 
 // The brightest luma (0..255) in a rectangle of the first decoded video
-// frame, or -1 when no frame decodes.
-int brightestLuma(const std::string& file, int x, int y, int w, int h);
+// frame at or after `atSeconds`, or -1 when no such frame decodes.
+int brightestLuma(const std::string& file, int x, int y, int w, int h, double atSeconds = 0.0);
 
 } // namespace mirabend::test
