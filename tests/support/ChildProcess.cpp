@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -23,6 +24,8 @@ bool ChildProcess::start(const std::vector<std::string>& argv, const std::vector
         return false;
     if (pid == 0) {
         setpgid(0, 0);
+        // A test process killed by its timeout takes its servers with it.
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
         const int out = logFile.empty() ? open("/dev/null", O_WRONLY)
                                         : open(logFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
         if (out >= 0) {
