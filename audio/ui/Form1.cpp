@@ -296,6 +296,7 @@ void Form1::startTest()
         return;
     }
     m_writeFailed = false;
+    m_feed.reset();
     if (!m_recorder->recorder().StartRecord(rate, ch)) {
         m_encoder.Encoder_EncoderClose();
         showMessage("Could not start recording!");
@@ -354,8 +355,7 @@ void Form1::clsRecorder_GotData(std::vector<std::int16_t>& samples, int& bytesRe
         return;
     if (m_byteRate > 0)
         m_elapsedMs += std::llround(static_cast<double>(bytesRecorded) / m_byteRate * 1000.0);
-    std::int32_t consumed = 0;
-    if (m_encoder.Encoder_Encode(m_work.data(), bytesRecorded, consumed) == encoder_result::kWriteFailed) {
+    if (m_feed.feed(m_work.data(), bytesRecorded) == encoder_result::kWriteFailed) {
         m_writeFailed = true;
         cmdDo_Click();
         showMessage("Write error (no disk space left?)!");

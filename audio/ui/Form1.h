@@ -10,6 +10,7 @@
 // on the UI thread through QtWaveInRecorder.
 
 #include "audio/core/EncoderWAV.h"
+#include "audio/core/GaplessFeed.h"
 #include "audio/core/clsDSP.h"
 #include "audio/core/clsSmooth.h"
 #include "audio/ui/QtWaveInRecorder.h"
@@ -110,6 +111,7 @@ private:
     clsSmooth m_smoothL;
     clsSmooth m_smoothR;
     std::vector<std::int16_t> m_work;    // the current buffer after the effects
+    GaplessFeed m_feed{m_encoder};       // keeps what a block format leaves for the next buffer
     std::vector<std::int16_t> m_display; // what the displays show
     int m_peakL = 0;                     // loudest sample since the last redraw
     int m_peakR = 0;

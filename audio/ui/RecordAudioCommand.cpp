@@ -4,6 +4,7 @@
 #include "audio/core/AudioError.h"
 #include "audio/core/BlockPeaks.h"
 #include "audio/core/EncoderWAV.h"
+#include "audio/core/GaplessFeed.h"
 #include "audio/core/FormatCatalog.h"
 #include "audio/core/clsDSP.h"
 #include "audio/ui/AudioText.h"
@@ -289,6 +290,7 @@ int recordAudioCommand(int argc, char** argv)
     std::int64_t written = 0;
     ChannelPeaks peaks;
     bool writeFailed = false;
+    GaplessFeed feed(encoder);
     rec.setGotData([&](std::vector<std::int16_t>& samples, int& bytes) {
         if (writeFailed || (limit >= 0 && written >= limit))
             return;
@@ -299,9 +301,7 @@ int recordAudioCommand(int argc, char** argv)
         const ChannelPeaks p = blockPeaks(samples.data(), static_cast<std::size_t>(take / 2), o.channels);
         peaks.left = std::max(peaks.left, p.left);
         peaks.right = std::max(peaks.right, p.right);
-        std::int32_t consumed = 0;
-        if (encoder.Encoder_Encode(samples.data(), static_cast<std::int32_t>(take), consumed) ==
-            encoder_result::kWriteFailed)
+        if (feed.feed(samples.data(), static_cast<std::int32_t>(take)) == encoder_result::kWriteFailed)
             writeFailed = true;
         written += take;
     });
