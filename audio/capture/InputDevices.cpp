@@ -7,14 +7,10 @@
 #include <set>
 #include <strings.h>
 
+#include "util/core/AlsaPcmNames.h"
+
 namespace mirabend {
 namespace {
-
-// Plugins that alsa-plugins and alsa-lib announce with a hint although they
-// are no input of their own: rate converters, channel mixers, the null sink,
-// bridges to other sound systems that are rarely running.
-const std::set<std::string> kNotInputs = {"null",  "lavrate", "samplerate", "speexrate", "speex", "upmix",
-                                          "vdownmix", "jack", "oss", "a52", "usbstream", "arcam_av"};
 
 // Card-specific PCMs other than the plain hardware device: each of them
 // repeats a card that is already listed through its "hw:" entry.
@@ -75,9 +71,9 @@ std::vector<InputDevice> listInputDevices()
         const std::string ioid = hint(*entry, "IOID");
         if (pcm.empty() || (!ioid.empty() && ioid != "Input"))
             continue;
-        const std::string base = pcm.substr(0, pcm.find(':'));
-        if (kNotInputs.count(base))
+        if (isAlsaHelperPcm(pcm))
             continue;
+        const std::string base = pcm.substr(0, pcm.find(':'));
         if (std::any_of(std::begin(kCardVariants), std::end(kCardVariants),
                         [&](const char* prefix) { return pcm.rfind(prefix, 0) == 0; }))
             continue;

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "util/core/AlsaPcmNames.h"
+
 namespace mirabend {
 
 namespace {
@@ -47,8 +49,9 @@ std::unique_ptr<AudioDeviceCatalog> makeAlsaCatalog()
             if (!name || (io && std::strcmp(io.get(), "Input") != 0))
                 continue;
             const std::string id = name.get();
-            // Plain hardware and the null device are no use for recording.
-            if (id == "null" || id.rfind("hw:", 0) == 0 || id.rfind("plughw:", 0) == 0)
+            // Plain hardware (its sysdefault/dsnoop entries stand for it) and
+            // the helper plugins are no use for recording.
+            if (isAlsaHelperPcm(id) || id.rfind("hw:", 0) == 0 || id.rfind("plughw:", 0) == 0)
                 continue;
             AudioDeviceInfo device;
             device.backend = "alsa";
