@@ -8,11 +8,12 @@ set(MIRABEND_TEST_TIMEOUT 120 CACHE STRING "Seconds one test case may take")
 add_custom_target(mirabend_unit_tests)
 
 # mirabend_add_gtest(NAME <exe> LABEL unit|widget|integration SOURCES ... LIBS ...
-#                    [MAIN plain|qt|xvfb] [TIMEOUT s] [ENV VAR=VALUE ...])
+#                    [MAIN plain|qt|xvfb] [TIMEOUT s] [LOCK resource] [ENV VAR=VALUE ...])
+#  LOCK: cases sharing a resource (a file in the program folder) never run at once.
 #  MAIN plain: no Qt; qt: a QApplication on the offscreen platform;
 #  xvfb: a private Xvfb display is started before the QApplication.
 function(mirabend_add_gtest)
-  cmake_parse_arguments(T "" "NAME;LABEL;MAIN;TIMEOUT" "SOURCES;LIBS;ENV" ${ARGN})
+  cmake_parse_arguments(T "" "NAME;LABEL;MAIN;TIMEOUT;LOCK" "SOURCES;LIBS;ENV" ${ARGN})
   if(NOT T_MAIN)
     set(T_MAIN plain)
   endif()
@@ -40,10 +41,14 @@ function(mirabend_add_gtest)
   # The environment goes in front of the command (listing included): the
   # discovered tests' ENVIRONMENT property would keep only its first entry.
   set_target_properties(${T_NAME} PROPERTIES CROSSCOMPILING_EMULATOR "env;${env}")
+  set(lock)
+  if(T_LOCK)
+    set(lock RESOURCE_LOCK ${T_LOCK})
+  endif()
   gtest_discover_tests(${T_NAME}
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
-    PROPERTIES LABELS ${T_LABEL} TIMEOUT ${T_TIMEOUT})
+    PROPERTIES LABELS ${T_LABEL} TIMEOUT ${T_TIMEOUT} ${lock})
   if(T_LABEL STREQUAL "unit")
     add_dependencies(mirabend_unit_tests ${T_NAME})
   endif()
