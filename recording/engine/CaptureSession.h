@@ -18,7 +18,7 @@
 #include "recording/engine/AudioEncoder.h"
 #include "recording/engine/DeviceInput.h"
 #include "recording/engine/MuxWriter.h"
-#include "recording/engine/OverlaySettings.h"
+#include "recording/engine/OverlayBoard.h"
 #include "recording/engine/RecordingPlan.h"
 #include "recording/engine/Timeline.h"
 #include "recording/engine/VideoEncoder.h"

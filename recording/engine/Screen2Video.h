@@ -14,7 +14,7 @@
 // or the destructor.
 
 #include "recording/engine/NamedList.h"
-#include "recording/engine/OverlaySettings.h"
+#include "recording/engine/OverlayBoard.h"
 #include "recording/engine/RecorderTypes.h"
 
 #include <QString>
