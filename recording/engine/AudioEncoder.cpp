@@ -126,20 +126,7 @@ int AudioEncoder::encodeFrames(bool all, const Sink& sink)
 
 int AudioEncoder::send(const AVFrame* frame, const Sink& sink)
 {
-    int ret = avcodec_send_frame(m_codec.get(), frame);
-    if (ret < 0 && ret != AVERROR_EOF)
-        return ret;
-    for (;;) {
-        PacketPtr packet = makePacket();
-        if (!packet)
-            return AVERROR(ENOMEM);
-        ret = avcodec_receive_packet(m_codec.get(), packet.get());
-        if (ret == AVERROR(EAGAIN) || ret == AVERROR_EOF)
-            return 0;
-        if (ret < 0)
-            return ret;
-        sink(std::move(packet));
-    }
+    return encodeFrame(m_codec.get(), frame, sink);
 }
 
 int AudioEncoder::finish(const Sink& sink)

@@ -88,6 +88,27 @@ inline PacketPtr makePacket()
     return PacketPtr(av_packet_alloc());
 }
 
+// Sends one frame (null: drain) to an encoder and hands every packet it
+// gives back to `sink`. Returns 0 or a negative FFmpeg error.
+template <typename Sink>
+int encodeFrame(AVCodecContext* codec, const AVFrame* frame, const Sink& sink)
+{
+    int ret = avcodec_send_frame(codec, frame);
+    if (ret < 0 && ret != AVERROR_EOF)
+        return ret;
+    for (;;) {
+        PacketPtr packet = makePacket();
+        if (!packet)
+            return AVERROR(ENOMEM);
+        ret = avcodec_receive_packet(codec, packet.get());
+        if (ret == AVERROR(EAGAIN) || ret == AVERROR_EOF)
+            return 0;
+        if (ret < 0)
+            return ret;
+        sink(std::move(packet));
+    }
+}
+
 // FFmpeg's text for an error code.
 inline std::string avErrorText(int err)
 {

@@ -151,20 +151,7 @@ FramePtr VideoEncoder::convert(const std::uint8_t* bgr0, int linesize)
 
 int VideoEncoder::encode(const AVFrame* frame, const std::function<void(PacketPtr)>& sink)
 {
-    int ret = avcodec_send_frame(m_codec.get(), frame);
-    if (ret < 0 && ret != AVERROR_EOF)
-        return ret;
-    for (;;) {
-        PacketPtr packet = makePacket();
-        if (!packet)
-            return AVERROR(ENOMEM);
-        ret = avcodec_receive_packet(m_codec.get(), packet.get());
-        if (ret == AVERROR(EAGAIN) || ret == AVERROR_EOF)
-            return 0;
-        if (ret < 0)
-            return ret;
-        sink(std::move(packet));
-    }
+    return encodeFrame(m_codec.get(), frame, sink);
 }
 
 } // namespace mirabend

@@ -1,5 +1,7 @@
 #include "recording/ui/DeviceOptions.h"
 
+#include "recording/ui/NamedWidget.h"
+
 #include "recording/ui/NumberField.h"
 #include "recording/ui/OptionLists.h"
 #include "recording/ui/RecorderControl.h"
@@ -23,12 +25,6 @@ namespace mirabend {
 const char* const kHwAccelHelper = "\\mirabend-hwaccel";
 
 namespace {
-
-template <typename W>
-W* named(W* widget, const char* name) {
-    widget->setObjectName(QLatin1String(name));
-    return widget;
-}
 
 QLineEdit* smallField(const char* name, const char* text, QWidget* parent) {
     auto* edit = named(new QLineEdit(QLatin1String(text), parent), name);

@@ -1,5 +1,7 @@
 #include "recording/ui/OverlayOptions.h"
 
+#include "recording/ui/NamedWidget.h"
+
 #include "recording/ui/NumberField.h"
 #include "recording/ui/OptionLists.h"
 #include "recording/ui/RecorderControl.h"
@@ -19,12 +21,6 @@
 namespace mirabend {
 
 namespace {
-
-template <typename W>
-W* named(W* widget, const char* name) {
-    widget->setObjectName(QLatin1String(name));
-    return widget;
-}
 
 QLineEdit* posField(const char* name, const char* text, QWidget* parent) {
     auto* edit = named(new QLineEdit(QLatin1String(text), parent), name);
