@@ -238,6 +238,8 @@ void Mirabend_frm::Form_Load()
     const TaskPanePanels panels = TaskPaneBuilder::AddExpBar(*m_ctx.ebDemo, *m_ctx.stage);
     m_ctx.cameraPanel = panels.camera;
     wireCamera();
+    for (const auto& attach : m_services.attachPanes)
+        attach(*this);
     QCoreApplication::processEvents();
     m_rotation->RotateResetValues();
     m_ctx.ports.camera->PreviewCam1();

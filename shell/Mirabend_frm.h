@@ -14,6 +14,7 @@
 #include <QMainWindow>
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QLineEdit;
 
@@ -35,6 +36,9 @@ struct ShellServices {
     std::function<std::unique_ptr<SlideShowPort>(Mirabend_frm&)> makeSlides;
     std::function<std::unique_ptr<CameraPort>(Mirabend_frm&)> makeCamera;
     std::function<std::unique_ptr<AudioPort>(Mirabend_frm&)> makeAudio;
+    // Called by Form_Load once the task pane exists: each subsystem puts its
+    // widgets into the stage's pane containers and its tools into its bar.
+    std::vector<std::function<void(Mirabend_frm&)>> attachPanes;
     // Ends the whole program (default: quits the application).
     std::function<void()> endProgram;
 };
