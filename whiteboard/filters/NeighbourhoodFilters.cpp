@@ -1,39 +1,64 @@
 // The filters that look at a pixel's neighbours, and the two that turn the
-// area over. Neighbourhood filters read a copy of the area and its one-pixel
-// rim taken before the first write; outside the image the nearest edge pixel
-// stands in.
+// area over. Neighbourhood filters read the area and its one-pixel rim as they
+// were before the first write (only the brightness where that is all they
+// need); outside the image the nearest edge pixel stands in.
 #include "whiteboard/filters/FilterKernels.h"
 
 #include <array>
+#include <cstdint>
 #include <cstdlib>
+#include <vector>
 
 namespace mirabend::filterkernels {
 namespace {
 
 // A pixel and its eight neighbours, row by row: 0 1 2 / 3 4 5 / 6 7 8.
-using Window = std::array<QRgb, 9>;
+template <typename T>
+using Window = std::array<T, 9>;
 
-template <typename Fn>
-void forEachWindow(QImage& image, const QRect& area, Fn fn) {
+// Calls fn(window, pixel) for every pixel of the area, where the window holds
+// sample() of the pixel and its neighbours as they were before the call, and
+// stores what fn returns. Rows are sampled once each, just before they are
+// first needed, into a ring of three: the row above (already written, so its
+// old pixels come from the ring), the row itself and the row below. A small
+// ring instead of a copy of the area keeps the brush cheap and spares a
+// whole-canvas filter the fresh memory of a full copy.
+template <typename T, typename Sample, typename Fn>
+void forEachWindow(QImage& image, const QRect& area, Sample sample, Fn fn) {
     const QRect rim = area.adjusted(-1, -1, 1, 1) & image.rect();
-    const QImage before = image.copy(rim);
-    const auto rowOf = [&](int y) {
-        const int row = std::clamp(y, rim.top(), rim.bottom()) - rim.top();
-        return reinterpret_cast<const QRgb*>(before.constScanLine(row));
+    const int width = rim.width();
+    std::vector<T> ring(3 * static_cast<std::size_t>(width));
+    const auto slot = [&](int y) {
+        return ring.data() + static_cast<std::ptrdiff_t>((y - rim.top()) % 3) * width;
     };
-    const int lastColumn = rim.width() - 1;
+    int sampled = rim.top() - 1; // the last row copied into the ring
+    const auto sampleUpTo = [&](int last) {
+        while (sampled < last) {
+            ++sampled;
+            const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(sampled)) + rim.left();
+            T* row = slot(sampled);
+            for (int x = 0; x < width; ++x)
+                row[x] = sample(line[x]);
+        }
+    };
     for (int y = area.top(); y <= area.bottom(); ++y) {
-        const QRgb* up = rowOf(y - 1);
-        const QRgb* mid = rowOf(y);
-        const QRgb* down = rowOf(y + 1);
+        sampleUpTo(std::min(y + 1, rim.bottom()));
+        const T* up = slot(std::max(y - 1, rim.top()));
+        const T* mid = slot(y);
+        const T* down = slot(std::min(y + 1, rim.bottom()));
         auto* out = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = area.left(); x <= area.right(); ++x) {
             const int c = x - rim.left();
             const int l = std::max(c - 1, 0);
-            const int r = std::min(c + 1, lastColumn);
-            out[x] = fn(Window{up[l], up[c], up[r], mid[l], mid[c], mid[r], down[l], down[c], down[r]});
+            const int r = std::min(c + 1, width - 1);
+            out[x] =
+                fn(Window<T>{up[l], up[c], up[r], mid[l], mid[c], mid[r], down[l], down[c], down[r]}, out[x]);
         }
     }
+}
+
+QRgb itself(QRgb p) {
+    return p;
 }
 
 struct ChannelSums {
@@ -53,42 +78,45 @@ QRgb greyWithAlphaOf(QRgb p, int v) {
 } // namespace
 
 void filterBlur(QImage& image, const QRect& area, const FilterColours&) {
-    forEachWindow(image, area, [](const Window& w) {
-        ChannelSums s;
-        for (QRgb p : w)
-            s.add(p, 1);
-        return withRgb(w[4], (s.r + 4) / 9, (s.g + 4) / 9, (s.b + 4) / 9);
+    forEachWindow<QRgb>(image, area, itself, [](const Window<QRgb>& w, QRgb centre) {
+        // Red and blue summed side by side in one word: nine bytes never
+        // carry out of their 16-bit lane.
+        std::uint32_t redBlue = 0, green = 0;
+        for (QRgb p : w) {
+            redBlue += p & 0x00ff00ffu;
+            green += p & 0x0000ff00u;
+        }
+        return withRgb(centre, static_cast<int>(((redBlue >> 16) + 4) / 9),
+                       static_cast<int>(((green >> 8) + 4) / 9),
+                       static_cast<int>(((redBlue & 0xffffu) + 4) / 9));
     });
 }
 
 void filterSharpen(QImage& image, const QRect& area, const FilterColours&) {
-    forEachWindow(image, area, [](const Window& w) {
+    forEachWindow<QRgb>(image, area, itself, [](const Window<QRgb>& w, QRgb centre) {
         ChannelSums s;
-        s.add(w[4], 5);
+        s.add(centre, 5);
         for (int i : {1, 3, 5, 7})
             s.add(w[static_cast<std::size_t>(i)], -1);
-        return withRgb(w[4], clampByte(s.r), clampByte(s.g), clampByte(s.b));
+        return withRgb(centre, clampByte(s.r), clampByte(s.g), clampByte(s.b));
     });
 }
 
 void filterEmboss(QImage& image, const QRect& area, const FilterColours&) {
     // Mid grey where the picture is flat; light where it gets brighter
     // towards the bottom right, dark where it gets darker.
-    forEachWindow(image, area, [](const Window& w) {
-        return greyWithAlphaOf(w[4], 128 + (luminance(w[8]) - luminance(w[0])) / 2);
+    forEachWindow<int>(image, area, luminance, [](const Window<int>& v, QRgb centre) {
+        return greyWithAlphaOf(centre, 128 + (v[8] - v[0]) / 2);
     });
 }
 
 void filterEdges(QImage& image, const QRect& area, const FilterColours&) {
     // Sobel on the brightness, drawn dark on white so a board stays a board:
     // a full black-to-white step gives black.
-    forEachWindow(image, area, [](const Window& w) {
-        std::array<int, 9> v{};
-        for (std::size_t i = 0; i < 9; ++i)
-            v[i] = luminance(w[i]);
+    forEachWindow<int>(image, area, luminance, [](const Window<int>& v, QRgb centre) {
         const int gx = (v[2] + 2 * v[5] + v[8]) - (v[0] + 2 * v[3] + v[6]);
         const int gy = (v[6] + 2 * v[7] + v[8]) - (v[0] + 2 * v[1] + v[2]);
-        return greyWithAlphaOf(w[4], 255 - std::min(255, (std::abs(gx) + std::abs(gy)) / 4));
+        return greyWithAlphaOf(centre, 255 - std::min(255, (std::abs(gx) + std::abs(gy)) / 4));
     });
 }
 
