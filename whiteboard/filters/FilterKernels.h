@@ -1,7 +1,8 @@
 #pragma once
 // The filters' inner loops, behind applyFilter(). Every kernel gets a 32-bit
-// image (RGB32 or ARGB32, never shared) and an area that lies inside it and
-// is not empty; it keeps each pixel's alpha byte.
+// image (RGB32 or ARGB32) and an area that lies inside it and is not empty; it
+// keeps each pixel's alpha byte. Line pointers are fetched afresh after every
+// write, since the first write may detach an image that shares its pixels.
 
 #include <QImage>
 #include <QRect>
@@ -61,7 +62,7 @@ void filterMosaic(QImage& image, const QRect& area, const FilterColours& colours
 void filterMirror(QImage& image, const QRect& area, const FilterColours& colours);
 void filterFlip(QImage& image, const QRect& area, const FilterColours& colours);
 
-// Constants the documentation and the tests rely on.
+// The filters' strengths, as docs/whiteboard-filters.md gives them.
 constexpr int kBrightnessStep = 32;
 constexpr int kPosteriseLevels = 4;
 constexpr int kNoiseAmplitude = 24;
