@@ -1,5 +1,6 @@
 #include "shell/TitlesPanel.h"
 
+#include "shell/CaptionBar.h"
 #include "shell/Stage.h"
 
 #include <QFormLayout>
@@ -45,6 +46,8 @@ TitlesPanel::TitlesPanel(Stage& stage, QWidget* parent)
     }
     alignRow->addStretch(1);
     form->addRow(tr("Align"), alignRow);
+    m_toolbar4 = new CaptionBar(stage, *this, this);
+    form->addRow(m_toolbar4);
 
     connect(m_title, &QLineEdit::textChanged, this, &TitlesPanel::refreshCaptions);
     connect(m_presenter, &QLineEdit::textChanged, this, &TitlesPanel::refreshCaptions);
