@@ -92,7 +92,10 @@ WebPane::WebPane(QWidget* container)
 }
 
 WebPane::~WebPane() {
-    // The page must go before the profile it was made with.
+    // The page must go before the profile it was made with; what it
+    // signals on its way out is of no interest any more.
+    if (m_view)
+        m_view->disconnect(this);
     delete m_page;
     delete m_tools;
 }
