@@ -77,6 +77,16 @@ PrimaryOutput primaryOutput(Display* display, Window root, XRRScreenResources* r
     return found;
 }
 
+// The root window's size asked of the server: Xlib's DisplayWidth() keeps
+// the size the connection started with.
+DisplayMode rootSize(Display* display) {
+    Window root = 0;
+    int x = 0, y = 0;
+    unsigned width = 0, height = 0, border = 0, depth = 0;
+    XGetGeometry(display, DefaultRootWindow(display), &root, &x, &y, &width, &height, &border, &depth);
+    return {static_cast<int>(width), static_cast<int>(height)};
+}
+
 const XRRModeInfo* modeInfo(XRRScreenResources* resources, RRMode id) {
     for (int i = 0; i < resources->nmode; ++i) {
         if (resources->modes[i].id == id)
@@ -105,9 +115,7 @@ XRandrDisplaySettings::~XRandrDisplaySettings() = default;
 DisplayMode XRandrDisplaySettings::currentSize() const {
     if (!m_display)
         return {};
-    Display* display = m_display.get();
-    const int screen = DefaultScreen(display);
-    return {DisplayWidth(display, screen), DisplayHeight(display, screen)};
+    return rootSize(m_display.get());
 }
 
 bool XRandrDisplaySettings::EnumDisplaySettings(int modeNumber, DisplayMode& mode) {
@@ -182,6 +190,7 @@ DisplayChange XRandrDisplaySettings::ChangeDisplaySettings(const DisplayMode& mo
         }
     }
     const int screen = DefaultScreen(display);
+    const DisplayMode screenSize = rootSize(display);
     const double mmPerPixel = DisplayWidthMM(display, screen) > 0
                                   ? double(DisplayWidthMM(display, screen)) / DisplayWidth(display, screen)
                                   : 25.4 / 96.0;
@@ -192,7 +201,7 @@ DisplayChange XRandrDisplaySettings::ChangeDisplaySettings(const DisplayMode& mo
     if (static_cast<int>(crtc->width) > width || static_cast<int>(crtc->height) > height)
         XRRSetCrtcConfig(display, resources.get(), output.info->crtc, CurrentTime, 0, 0, None, RR_Rotate_0,
                          nullptr, 0);
-    if (width != DisplayWidth(display, screen) || height != DisplayHeight(display, screen))
+    if (width != screenSize.width || height != screenSize.height)
         XRRSetScreenSize(display, root, width, height, static_cast<int>(width * mmPerPixel + 0.5),
                          static_cast<int>(height * mmPerPixel + 0.5));
     RROutput outputId = output.id;

@@ -26,13 +26,13 @@ namespace {
 // Values the test puts in; every key that holds a value can be opened.
 class ScriptedKeyValues final : public SystemKeyValues {
 public:
-    void set(const QString& key, const QString& name, KeyValue value) { m_values[{key, name}] = std::move(value); }
-    void setString(const QString& key, const QString& name, const QString& text)
-    {
+    void set(const QString& key, const QString& name, KeyValue value) {
+        m_values[{key, name}] = std::move(value);
+    }
+    void setString(const QString& key, const QString& name, const QString& text) {
         set(key, name, {KeyValue::kString, text.toUtf8() + QByteArray(1, '\0')});
     }
-    bool hasKey(const QString& root, const QString& key) const override
-    {
+    bool hasKey(const QString& root, const QString& key) const override {
         if (root != kLocalMachine)
             return false;
         for (const auto& entry : m_values) {
@@ -41,8 +41,8 @@ public:
         }
         return false;
     }
-    std::optional<KeyValue> query(const QString& root, const QString& key, const QString& name) const override
-    {
+    std::optional<KeyValue> query(const QString& root, const QString& key,
+                                  const QString& name) const override {
         const auto it = m_values.find({key, name});
         if (root != kLocalMachine || it == m_values.end())
             return std::nullopt;
@@ -53,14 +53,12 @@ private:
     std::map<std::pair<QString, QString>, KeyValue> m_values;
 };
 
-void makeProgram(const std::string& path)
-{
+void makeProgram(const std::string& path) {
     std::ofstream(path) << "#!/bin/sh\n";
     chmod(path.c_str(), 0755);
 }
 
-TEST(GetKeyValue, ReturnsEachValueTypeAsText)
-{
+TEST(GetKeyValue, ReturnsEachValueTypeAsText) {
     ScriptedKeyValues keys;
     const QString key = QStringLiteral("SOFTWARE\\Test");
     keys.set(key, QStringLiteral("text"), {KeyValue::kString, QByteArray("C:\\x\0", 5)});
@@ -84,14 +82,14 @@ TEST(GetKeyValue, ReturnsEachValueTypeAsText)
         EXPECT_EQ(value, QLatin1String(c.value));
     }
     QString value = QStringLiteral("left over");
-    EXPECT_FALSE(GetKeyValue(keys, kLocalMachine, QStringLiteral("SOFTWARE\\Absent"), QStringLiteral("text"), value));
+    EXPECT_FALSE(
+        GetKeyValue(keys, kLocalMachine, QStringLiteral("SOFTWARE\\Absent"), QStringLiteral("text"), value));
     EXPECT_TRUE(value.isEmpty());
 }
 
 class AboutTest : public ::testing::Test {
 protected:
-    frmAbout* makeBox(QWidget* mainWindow = nullptr)
-    {
+    frmAbout* makeBox(QWidget* mainWindow = nullptr) {
         frmAbout::Services services;
         services.keys = &keys;
         services.prompts = &prompts;
@@ -113,8 +111,7 @@ protected:
     TempFolder folder{"mirabend-about"};
 };
 
-TEST_F(AboutTest, SystemInformationStartsWhatTheKeysNameOrSaysItIsUnavailable)
-{
+TEST_F(AboutTest, SystemInformationStartsWhatTheKeysNameOrSaysItIsUnavailable) {
     makeProgram(folder.file("hardinfo"));
     const QString tools = QString::fromStdString(folder.path());
     const QString empty = QString::fromStdString(folder.path()) + QStringLiteral("/none");
@@ -143,7 +140,8 @@ TEST_F(AboutTest, SystemInformationStartsWhatTheKeysNameOrSaysItIsUnavailable)
         if (c.expected.isEmpty()) {
             EXPECT_TRUE(started.isEmpty()) << "nothing is started";
             ASSERT_EQ(prompts.messages.size(), 1);
-            EXPECT_EQ(prompts.messages[0].text, QStringLiteral("System Information Is Unavailable At This Time"));
+            EXPECT_EQ(prompts.messages[0].text,
+                      QStringLiteral("System Information Is Unavailable At This Time"));
             EXPECT_EQ(prompts.messages[0].icon, PromptIcon::None);
         } else {
             EXPECT_EQ(started, QStringList{c.expected});
@@ -152,8 +150,7 @@ TEST_F(AboutTest, SystemInformationStartsWhatTheKeysNameOrSaysItIsUnavailable)
     }
 }
 
-TEST_F(AboutTest, DesktopSourceFindsTheProgramFromItsDesktopEntryAndOnPath)
-{
+TEST_F(AboutTest, DesktopSourceFindsTheProgramFromItsDesktopEntryAndOnPath) {
     const std::string apps = folder.file("applications"), bin = folder.file("bin");
     QDir().mkpath(QString::fromStdString(apps));
     QDir().mkpath(QString::fromStdString(bin));
@@ -163,7 +160,8 @@ TEST_F(AboutTest, DesktopSourceFindsTheProgramFromItsDesktopEntryAndOnPath)
     QString value;
     {
         const DesktopKeyValues desktop(appFolders, pathFolders);
-        EXPECT_FALSE(GetKeyValue(desktop, kLocalMachine, kSysInfoKey, kSysInfoValue, value)) << "no desktop entry";
+        EXPECT_FALSE(GetKeyValue(desktop, kLocalMachine, kSysInfoKey, kSysInfoValue, value))
+            << "no desktop entry";
         EXPECT_TRUE(GetKeyValue(desktop, kLocalMachine, kSysInfoLocationKey, kSysInfoLocationValue, value));
         EXPECT_EQ(value, QString::fromStdString(bin));
     }
@@ -173,7 +171,8 @@ TEST_F(AboutTest, DesktopSourceFindsTheProgramFromItsDesktopEntryAndOnPath)
     const DesktopKeyValues desktop(appFolders, pathFolders);
     EXPECT_TRUE(GetKeyValue(desktop, kLocalMachine, kSysInfoKey, kSysInfoValue, value));
     EXPECT_EQ(value, QString::fromStdString(bin + "/gnome-system-monitor"));
-    EXPECT_FALSE(GetKeyValue(desktop, kLocalMachine, QStringLiteral("SOFTWARE\\Other"), kSysInfoValue, value));
+    EXPECT_FALSE(
+        GetKeyValue(desktop, kLocalMachine, QStringLiteral("SOFTWARE\\Other"), kSysInfoValue, value));
 
     // The real source drives the box: the program is started.
     frmAbout::Services services;
@@ -188,8 +187,7 @@ TEST_F(AboutTest, DesktopSourceFindsTheProgramFromItsDesktopEntryAndOnPath)
     EXPECT_EQ(started, QStringList{QString::fromStdString(bin + "/gnome-system-monitor")});
 }
 
-TEST_F(AboutTest, MainWindowTakesNoInputWhileTheBoxIsOpen)
-{
+TEST_F(AboutTest, MainWindowTakesNoInputWhileTheBoxIsOpen) {
     QWidget mainWindow;
     mainWindow.show();
     QPointer<frmAbout> box = makeBox(&mainWindow);
@@ -208,8 +206,7 @@ TEST_F(AboutTest, MainWindowTakesNoInputWhileTheBoxIsOpen)
     EXPECT_TRUE(QTest::qWaitFor([&box] { return box.isNull(); }, 5000)) << "OK unloads the box";
 }
 
-TEST_F(AboutTest, ShowsTheComponentVersions)
-{
+TEST_F(AboutTest, ShowsTheComponentVersions) {
     std::unique_ptr<frmAbout> box(makeBox());
     const QString text = box->versionsLabel()->text();
     EXPECT_TRUE(text.contains(QStringLiteral(QT_VERSION_STR))) << text.toStdString();
