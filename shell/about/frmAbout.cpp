@@ -118,7 +118,7 @@ frmAbout::~frmAbout() {
 
 void frmAbout::showVersions(const QString& office) {
     m_versions->setText(
-        tr("Built with Qt %1\nFFmpeg %2\nLibreOffice %3\nalsa-lib %4")
+        tr("Qt %1\nFFmpeg: %2\nLibreOffice %3\nalsa-lib %4")
             .arg(ComponentVersions::qt(), ComponentVersions::ffmpeg(), office, ComponentVersions::alsa()));
 }
 

@@ -73,6 +73,7 @@ ScrRes_frm::ScrRes_frm(DisplaySettings& display, Restart restart, QWidget* paren
     m_msg = new QStatusBar(this);
     m_msg->setObjectName(QStringLiteral("msg"));
     m_msg->setSizeGripEnabled(false);
+    m_msg->setStyleSheet(QStringLiteral("QStatusBar#msg { border-top: 1px solid palette(mid); }"));
     m_panel1 = new QLabel(m_msg);
     m_panel1->setObjectName(QStringLiteral("msgPanel1"));
     m_msg->addWidget(m_panel1, 1);
