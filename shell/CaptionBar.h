@@ -19,6 +19,9 @@ public:
     // "show", "hide", "left", "center", "right"; any other key does nothing.
     void Toolbar4_ButtonClick(const QString& key);
 
+    // A picture of text lines with this alignment (0 left, 1 right, 2 centre).
+    static QIcon alignmentIcon(int alignment);
+
 private:
     Stage& m_stage;
     TitlesPanel& m_titles;

@@ -38,8 +38,7 @@ TitlesPanel::TitlesPanel(Stage& stage, QWidget* parent)
         auto* button = new QToolButton(this);
         button->setObjectName(QString::fromLatin1(swatch.name));
         button->setToolTip(tr(swatch.tip));
-        button->setText(swatch.alignment == 0 ? QStringLiteral("⯇") : swatch.alignment == 2 ? QStringLiteral("◆")
-                                                                                             : QStringLiteral("⯈"));
+        button->setIcon(CaptionBar::alignmentIcon(swatch.alignment));
         const int alignment = swatch.alignment;
         connect(button, &QToolButton::clicked, this, [this, alignment] { applyAlignment(alignment); });
         alignRow->addWidget(button);
