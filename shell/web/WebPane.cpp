@@ -6,6 +6,7 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLayout>
@@ -22,25 +23,25 @@
 namespace mirabend {
 
 WebPane::WebPane(QWidget* container)
-    : QObject(container) {
-    prepareWebEngine();
-    // An off-the-record profile: nothing is kept between runs.
-    m_profile = new QWebEngineProfile(this);
-    m_interceptor = new OfflineInterceptor(this);
-    m_profile->setUrlRequestInterceptor(m_interceptor);
+    : QObject(container)
+    , m_container(container)
+    , m_interceptor(new OfflineInterceptor(this)) {
+    buildTools();
+    // Chromium starts with the first page: the browser is made when the pane
+    // first shows or the user opens an address, not at program start.
+    container->installEventFilter(this);
+    if (container->isVisible())
+        ensureBrowser();
 
-    // The container shows a hint while it has no browser; the page takes its place.
-    for (QLabel* hint : container->findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly))
-        hint->hide();
-    if (!container->layout())
-        new QVBoxLayout(container);
-    container->layout()->setContentsMargins(0, 0, 0, 0);
-    m_view = new QWebEngineView(container);
-    m_view->setObjectName(QStringLiteral("WebBrowser1"));
-    m_page = new QWebEnginePage(m_profile, m_view);
-    m_view->setPage(m_page);
-    container->layout()->addWidget(m_view);
+    // Ctrl+L works wherever the focus is in the main window, even while the
+    // "Web" bar is collapsed.
+    auto* focusShortcut = new QShortcut(QKeySequence(tr("Ctrl+L")), container->window());
+    focusShortcut->setContext(Qt::WindowShortcut);
+    connect(focusShortcut, &QShortcut::activated, this, &WebPane::focusAddress);
+    updateHistoryButtons();
+}
 
+void WebPane::buildTools() {
     m_tools = new QWidget;
     m_tools->setObjectName(QStringLiteral("webTools"));
     auto* column = new QVBoxLayout(m_tools);
@@ -75,6 +76,29 @@ WebPane::WebPane(QWidget* container)
 
     connect(m_address, &QLineEdit::returnPressed, this,
             [this] { Toolbar2_ButtonClick(QStringLiteral("go")); });
+}
+
+QWebEngineView* WebPane::ensureBrowser() {
+    if (m_view)
+        return m_view;
+    m_container->removeEventFilter(this);
+    prepareWebEngine();
+    // An off-the-record profile: nothing is kept between runs.
+    m_profile = new QWebEngineProfile(this);
+    m_profile->setUrlRequestInterceptor(m_interceptor);
+
+    // The container shows a hint while it has no browser; the page takes its place.
+    for (QLabel* hint : m_container->findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly))
+        hint->hide();
+    if (!m_container->layout())
+        new QVBoxLayout(m_container);
+    m_container->layout()->setContentsMargins(0, 0, 0, 0);
+    m_view = new QWebEngineView(m_container);
+    m_view->setObjectName(QStringLiteral("WebBrowser1"));
+    m_page = new QWebEnginePage(m_profile, m_view);
+    m_view->setPage(m_page);
+    m_container->layout()->addWidget(m_view);
+
     connect(m_view, &QWebEngineView::urlChanged, this, [this](const QUrl& url) {
         // The field follows the page unless the user is typing in it.
         if (!m_address->hasFocus() && !url.isEmpty() && url != QUrl(QStringLiteral("about:blank")))
@@ -82,13 +106,13 @@ WebPane::WebPane(QWidget* container)
         updateHistoryButtons();
     });
     connect(m_view, &QWebEngineView::loadFinished, this, [this] { updateHistoryButtons(); });
+    return m_view;
+}
 
-    // Ctrl+L works wherever the focus is in the main window, even while the
-    // "Web" bar is collapsed.
-    auto* focusShortcut = new QShortcut(QKeySequence(tr("Ctrl+L")), container->window());
-    focusShortcut->setContext(Qt::WindowShortcut);
-    connect(focusShortcut, &QShortcut::activated, this, &WebPane::focusAddress);
-    updateHistoryButtons();
+bool WebPane::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_container && event->type() == QEvent::Show)
+        ensureBrowser();
+    return QObject::eventFilter(watched, event);
 }
 
 WebPane::~WebPane() {
@@ -112,9 +136,9 @@ void WebPane::Toolbar2_ButtonClick(const QString& key) {
     if (key == QLatin1String("go"))
         go();
     else if (key == QLatin1String("forward"))
-        m_view->forward();
+        ensureBrowser()->forward();
     else if (key == QLatin1String("back"))
-        m_view->back();
+        ensureBrowser()->back();
 }
 
 void WebPane::go() {
@@ -124,7 +148,7 @@ void WebPane::go() {
     if (!url.isValid())
         return;
     m_address->setText(url.toString());
-    m_view->setUrl(url);
+    ensureBrowser()->setUrl(url);
     m_view->setFocus();
 }
 
@@ -135,9 +159,9 @@ void WebPane::focusAddress() {
 }
 
 void WebPane::updateHistoryButtons() {
-    QWebEngineHistory* history = m_view->history();
-    m_back->setEnabled(history->canGoBack());
-    m_forward->setEnabled(history->canGoForward());
+    QWebEngineHistory* history = m_view ? m_view->history() : nullptr;
+    m_back->setEnabled(history && history->canGoBack());
+    m_forward->setEnabled(history && history->canGoForward());
 }
 
 } // namespace mirabend

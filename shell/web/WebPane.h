@@ -30,6 +30,7 @@ public:
     explicit WebPane(QWidget* container);
     ~WebPane() override;
 
+    // The browser; made on first use (the pane shows, an address is opened).
     QWebEngineView* WebBrowser1() const { return m_view; }
     QLineEdit* http_txt() const { return m_address; }
     QCheckBox* offline_opt() const { return m_offline; }
@@ -37,6 +38,8 @@ public:
     // The panel holding the tools; the task pane takes it over.
     QWidget* tools() const { return m_tools; }
     OfflineInterceptor& interceptor() const { return *m_interceptor; }
+    // Makes the browser if it does not exist yet.
+    QWebEngineView* ensureBrowser();
 
     // "go", "forward", "back"; any other key does nothing.
     void Toolbar2_ButtonClick(const QString& key);
@@ -47,12 +50,17 @@ public:
     std::function<void()> revealTools = [] {
     };
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    void buildTools();
     void go();
     void updateHistoryButtons();
     QAction* addButton(const QString& key, const QString& caption, const QString& tip);
 
-    QWebEngineProfile* m_profile;
+    QWidget* m_container;
+    QWebEngineProfile* m_profile = nullptr;
     OfflineInterceptor* m_interceptor;
     QPointer<QWebEngineView> m_view;
     QPointer<QWebEnginePage> m_page;

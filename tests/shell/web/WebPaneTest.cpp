@@ -129,8 +129,10 @@ protected:
             QApplication::setActiveWindow(window.get());
         pane = window->findChild<WebPane*>();
         ASSERT_NE(pane, nullptr);
-        view = pane->WebBrowser1();
+        EXPECT_EQ(pane->WebBrowser1(), nullptr) << "no browser before the pane is used";
         window->commands().Toolbar1_ButtonClick(QStringLiteral("web"));
+        view = pane->WebBrowser1();
+        ASSERT_NE(view, nullptr) << "showing the pane makes the browser";
     }
 
     // Ctrl+L, the address, Enter: as a user opens a page.
