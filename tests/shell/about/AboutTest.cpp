@@ -188,22 +188,34 @@ TEST_F(AboutTest, DesktopSourceFindsTheProgramFromItsDesktopEntryAndOnPath) {
 }
 
 TEST_F(AboutTest, MainWindowTakesNoInputWhileTheBoxIsOpen) {
-    QWidget mainWindow;
-    mainWindow.show();
-    QPointer<frmAbout> box = makeBox(&mainWindow);
-    box->show();
-    EXPECT_FALSE(mainWindow.isEnabled());
-    EXPECT_TRUE(box->isEnabled()) << "the box itself stays usable";
-    EXPECT_EQ(box->parentWidget(), nullptr);
+    // OK unloads the box; Escape rejects it, which hides without a close
+    // event: both must give the main window its input back.
+    for (const bool viaOk : {true, false}) {
+        SCOPED_TRACE(viaOk ? "OK" : "Escape");
+        QWidget mainWindow;
+        mainWindow.show();
+        QPointer<frmAbout> box = makeBox(&mainWindow);
+        box->show();
+        EXPECT_FALSE(mainWindow.isEnabled());
+        EXPECT_TRUE(box->isEnabled()) << "the box itself stays usable";
+        EXPECT_EQ(box->parentWidget(), nullptr);
 
+        if (viaOk)
+            box->cmdOK()->click();
+        else
+            QTest::keyClick(box.data(), Qt::Key_Escape);
+        EXPECT_TRUE(QTest::qWaitFor([&box] { return box.isNull(); }, 5000)) << "the box is unloaded";
+        EXPECT_TRUE(mainWindow.isEnabled()) << "the main window accepts input again";
+    }
+}
+
+TEST_F(AboutTest, LinksOpenWithTheDesktopsOpenAction) {
+    std::unique_ptr<frmAbout> box(makeBox());
     box->Label1()->linkActivated(QString::fromLatin1(frmAbout::kProductPage));
     box->Label2()->linkActivated(QString::fromLatin1(frmAbout::kAuthorPage));
     EXPECT_EQ(opened, (QStringList{QString::fromLatin1(frmAbout::kProductPage),
                                    QString::fromLatin1(frmAbout::kAuthorPage)}));
-
-    box->cmdOK()->click();
-    EXPECT_TRUE(mainWindow.isEnabled()) << "the main window accepts input again";
-    EXPECT_TRUE(QTest::qWaitFor([&box] { return box.isNull(); }, 5000)) << "OK unloads the box";
+    EXPECT_TRUE(box->Label1()->text().contains(QString::fromLatin1(frmAbout::kProductPage)));
 }
 
 TEST_F(AboutTest, ShowsTheComponentVersions) {
