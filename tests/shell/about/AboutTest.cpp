@@ -89,9 +89,9 @@ TEST(GetKeyValue, ReturnsEachValueTypeAsText) {
 
 class AboutTest : public ::testing::Test {
 protected:
-    frmAbout* makeBox(QWidget* mainWindow = nullptr) {
+    frmAbout* makeBox(QWidget* mainWindow = nullptr, const SystemKeyValues* source = nullptr) {
         frmAbout::Services services;
-        services.keys = &keys;
+        services.keys = source ? source : &keys;
         services.prompts = &prompts;
         services.startProgram = [this](const QString& path) {
             started << path;
@@ -175,15 +175,8 @@ TEST_F(AboutTest, DesktopSourceFindsTheProgramFromItsDesktopEntryAndOnPath) {
         GetKeyValue(desktop, kLocalMachine, QStringLiteral("SOFTWARE\\Other"), kSysInfoValue, value));
 
     // The real source drives the box: the program is started.
-    frmAbout::Services services;
-    services.keys = &desktop;
-    services.prompts = &prompts;
-    services.startProgram = [this](const QString& path) {
-        started << path;
-        return true;
-    };
-    frmAbout box(services, nullptr);
-    box.StartSysInfo();
+    std::unique_ptr<frmAbout> box(makeBox(nullptr, &desktop));
+    box->StartSysInfo();
     EXPECT_EQ(started, QStringList{QString::fromStdString(bin + "/gnome-system-monitor")});
 }
 
