@@ -20,6 +20,13 @@ QString withRuntime(const QString& built, const QString& running) {
                                                  : built + QStringLiteral(" (running %1)").arg(running);
 }
 
+// The answer of the first run: the installed office does not change while
+// the program runs.
+QString& knownOfficeVersion() {
+    static QString version;
+    return version;
+}
+
 QString officeProgram() {
     for (const char* name : {"soffice", "libreoffice"}) {
         const QString path = QStandardPaths::findExecutable(QLatin1String(name));
@@ -56,6 +63,7 @@ LibreOfficeVersion::LibreOfficeVersion(QObject* parent)
     : QObject(parent) {
     connect(&m_process, &QProcess::finished, this, [this] {
         const QString version = parse(QString::fromLocal8Bit(m_process.readAllStandardOutput()));
+        knownOfficeVersion() = version;
         Q_EMIT found(version.isEmpty() ? tr("not installed") : version);
     });
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
@@ -69,8 +77,9 @@ void LibreOfficeVersion::start() {
         return;
     m_started = true;
     const QString program = officeProgram();
-    if (program.isEmpty()) {
-        QTimer::singleShot(0, this, [this] { Q_EMIT found(tr("not installed")); });
+    if (!knownOfficeVersion().isEmpty() || program.isEmpty()) {
+        const QString known = knownOfficeVersion().isEmpty() ? tr("not installed") : knownOfficeVersion();
+        QTimer::singleShot(0, this, [this, known] { Q_EMIT found(known); });
         return;
     }
     m_process.start(program, {QStringLiteral("--version")}, QIODevice::ReadOnly);

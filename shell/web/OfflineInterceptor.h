@@ -18,7 +18,7 @@ public:
 
     void setOffline(bool offline) { m_offline.store(offline); }
     bool isOffline() const { return m_offline.load(); }
-    // Requests refused since the start, for the status of the pane.
+    // Requests refused since the start.
     int refusedCount() const { return m_refused.load(); }
 
     void interceptRequest(QWebEngineUrlRequestInfo& info) override;

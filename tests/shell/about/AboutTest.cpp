@@ -13,6 +13,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QUrl>
 #include <fstream>
@@ -217,6 +218,15 @@ TEST_F(AboutTest, ShowsTheComponentVersions) {
     EXPECT_TRUE(text.contains(QStringLiteral(QT_VERSION_STR))) << text.toStdString();
     EXPECT_TRUE(text.contains(QStringLiteral("libavformat "))) << text.toStdString();
     EXPECT_TRUE(text.contains(QStringLiteral("alsa-lib 1."))) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("LibreOffice checking ..."))) << "asked only when the box opens";
+
+    // Opening the box asks the installed office, in the background.
+    box->show();
+    ASSERT_TRUE(
+        QTest::qWaitFor([&box] { return !box->versionsLabel()->text().contains("checking"); }, 60000));
+    const QRegularExpression office(haveProgram("soffice") ? QStringLiteral("LibreOffice \\d+\\.\\d+")
+                                                           : QStringLiteral("LibreOffice not installed"));
+    EXPECT_TRUE(box->versionsLabel()->text().contains(office)) << box->versionsLabel()->text().toStdString();
 
     const struct {
         const char* output;
