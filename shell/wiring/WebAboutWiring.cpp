@@ -45,15 +45,12 @@ void attachAbout(Mirabend_frm& window, Prompts& prompts) {
 
 void attachResolution(Mirabend_frm& window) {
     window.commands().showResolution = [&window] {
-        auto display = std::make_shared<XRandrDisplaySettings>();
         ScrRes_frm::Restart restart;
         restart.endProgram = [&window] {
             window.context().unloadMainWindow();
         };
-        auto* dialog = new ScrRes_frm(*display, restart, &window);
+        auto* dialog = new ScrRes_frm(std::make_unique<XRandrDisplaySettings>(), restart, &window);
         dialog->setAttribute(Qt::WA_DeleteOnClose);
-        // The display connection lives as long as the dialog.
-        QObject::connect(dialog, &QObject::destroyed, [display] {});
         dialog->open();
     };
 }

@@ -87,6 +87,13 @@ ScrRes_frm::ScrRes_frm(DisplaySettings& display, Restart restart, QWidget* paren
     connect(m_cancel, &QPushButton::clicked, this, &ScrRes_frm::Command3_Click);
 }
 
+ScrRes_frm::ScrRes_frm(std::unique_ptr<DisplaySettings> display, Restart restart, QWidget* parent)
+    : ScrRes_frm(*display, std::move(restart), parent) {
+    m_ownedDisplay = std::move(display);
+}
+
+ScrRes_frm::~ScrRes_frm() = default;
+
 QString ScrRes_frm::msgText() const {
     return m_panel1->text();
 }

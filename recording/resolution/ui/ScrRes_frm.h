@@ -8,6 +8,7 @@
 
 #include <QDialog>
 #include <functional>
+#include <memory>
 
 class QLabel;
 class QPushButton;
@@ -30,6 +31,9 @@ public:
     };
 
     ScrRes_frm(DisplaySettings& display, Restart restart, QWidget* parent = nullptr);
+    // The dialog owns the display settings (one display connection per dialog).
+    ScrRes_frm(std::unique_ptr<DisplaySettings> display, Restart restart, QWidget* parent = nullptr);
+    ~ScrRes_frm() override;
 
     void Command1_Click(); // Apply
     void Command2_Click(); // OK
@@ -49,6 +53,7 @@ public:
     bool restartPending() const { return m_restartPending; }
 
 private:
+    std::unique_ptr<DisplaySettings> m_ownedDisplay;
     DisplaySettings& m_display;
     Restart m_restart;
     QRadioButton* m_options[3];
