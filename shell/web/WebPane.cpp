@@ -100,8 +100,9 @@ QWebEngineView* WebPane::ensureBrowser() {
     m_container->layout()->addWidget(m_view);
 
     connect(m_view, &QWebEngineView::urlChanged, this, [this](const QUrl& url) {
-        // The field follows the page unless the user is typing in it.
-        if (!m_address->hasFocus() && !url.isEmpty() && url != QUrl(QStringLiteral("about:blank")))
+        // The field follows the page unless the user is typing in it (or the
+        // task pane that holds it is already gone).
+        if (m_tools && !m_address->hasFocus() && !url.isEmpty() && url != QUrl(QStringLiteral("about:blank")))
             m_address->setText(url.toString());
         updateHistoryButtons();
     });
@@ -159,6 +160,8 @@ void WebPane::focusAddress() {
 }
 
 void WebPane::updateHistoryButtons() {
+    if (!m_tools)
+        return;
     QWebEngineHistory* history = m_view ? m_view->history() : nullptr;
     m_back->setEnabled(history && history->canGoBack());
     m_forward->setEnabled(history && history->canGoForward());
