@@ -70,6 +70,9 @@ int main(int argc, char** argv)
     }
     QString presentation;
     for (int i = 1; i < argc; ++i) {
+        // A restart after a display change starts as a fresh start does.
+        if (!std::strcmp(argv[i], "RESTART"))
+            continue;
         if (argv[i][0] == '-') {
             std::fprintf(stderr, "mirabend: unknown option %s (see mirabend --help)\n", argv[i]);
             return 2;

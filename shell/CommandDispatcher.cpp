@@ -65,6 +65,7 @@ CommandDispatcher::CommandDispatcher(ShellContext& context, PresentationModes& m
         {QStringLiteral("pause"), [&recording] { recording.pauseItem(); }},
         {QStringLiteral("stop"), [&recording] { recording.stopItem(); }},
         {QStringLiteral("dec"), [this] { m_ctx.screenDec(); }},
+        {QStringLiteral("resolution"), [this] { showResolution(); }},
         {QStringLiteral("help"), [this] { help(); }},
         {QStringLiteral("about"), [this] { showAbout(); }},
         {QStringLiteral("online"), [this] { openUrl(QUrl(QString::fromLatin1(kProductPage))); }},

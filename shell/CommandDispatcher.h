@@ -39,6 +39,8 @@ public:
     std::function<bool(const QUrl&)> openUrl;
     // The about box (not built yet).
     std::function<void()> showAbout = [] {};
+    // The screen resolution dialog (set by the wiring).
+    std::function<void()> showResolution = [] {};
 
     void open();
     void exit();

@@ -1,5 +1,6 @@
 #include "shell/TitlesPanel.h"
 
+#include "shell/CaptionBar.h"
 #include "shell/Stage.h"
 
 #include <QFormLayout>
@@ -37,14 +38,15 @@ TitlesPanel::TitlesPanel(Stage& stage, QWidget* parent)
         auto* button = new QToolButton(this);
         button->setObjectName(QString::fromLatin1(swatch.name));
         button->setToolTip(tr(swatch.tip));
-        button->setText(swatch.alignment == 0 ? QStringLiteral("⯇") : swatch.alignment == 2 ? QStringLiteral("◆")
-                                                                                             : QStringLiteral("⯈"));
+        button->setIcon(CaptionBar::alignmentIcon(swatch.alignment));
         const int alignment = swatch.alignment;
         connect(button, &QToolButton::clicked, this, [this, alignment] { applyAlignment(alignment); });
         alignRow->addWidget(button);
     }
     alignRow->addStretch(1);
     form->addRow(tr("Align"), alignRow);
+    m_toolbar4 = new CaptionBar(stage, *this, this);
+    form->addRow(m_toolbar4);
 
     connect(m_title, &QLineEdit::textChanged, this, &TitlesPanel::refreshCaptions);
     connect(m_presenter, &QLineEdit::textChanged, this, &TitlesPanel::refreshCaptions);

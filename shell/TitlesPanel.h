@@ -11,6 +11,7 @@ class QLineEdit;
 namespace mirabend {
 
 class Stage;
+class CaptionBar;
 
 class TitlesPanel : public QWidget {
     Q_OBJECT
@@ -18,6 +19,7 @@ public:
     explicit TitlesPanel(Stage& stage, QWidget* parent = nullptr);
     QLineEdit* title_txt() const { return m_title; }
     QLineEdit* presenter_txt() const { return m_presenter; }
+    CaptionBar* Toolbar4() const { return m_toolbar4; }
 
     // Alignment values of a text field: 0 left, 1 right, 2 centre.
     void applyAlignment(int alignment);
@@ -27,6 +29,7 @@ private:
     Stage& m_stage;
     QLineEdit* m_title;
     QLineEdit* m_presenter;
+    CaptionBar* m_toolbar4 = nullptr;
 };
 
 } // namespace mirabend

@@ -148,7 +148,7 @@ TEST_F(LifecycleTest, ToolbarAndTaskPaneCarryTheDesignedKeys)
                                    " End Show/exit"}));
     for (const char* key : {"options", "startrec", "pause", "stop", "mic"})
         EXPECT_NE(ctx().ebDemo->item(QStringLiteral("record"), QLatin1String(key)), nullptr) << key;
-    for (const char* key : {"rotate0", "rotate1", "rotate2", "rotate3", "dec"})
+    for (const char* key : {"rotate0", "rotate1", "rotate2", "rotate3", "dec", "resolution"})
         EXPECT_NE(ctx().ebDemo->item(QStringLiteral("layout"), QLatin1String(key)), nullptr) << key;
     // Several bars may stay open at once.
     ctx().ebDemo->group(QStringLiteral("camera"))->setExpanded(true);
