@@ -368,10 +368,12 @@ RtfReadResult Reader::run() {
                 --m_deepDrops;
                 continue;
             }
-            if (m_stack.back().destination == Destination::FontTable && m_fontEntry >= 0 &&
-                !m_fontName.trimmed().isEmpty() && !m_fonts.contains(m_fontEntry))
-                m_fonts.insert(m_fontEntry, m_fontName.trimmed()); // an entry without its ';'
-            m_fontName.clear();
+            if (m_stack.back().destination == Destination::FontTable) {
+                // An entry without its ';'.
+                if (m_fontEntry >= 0 && !m_fontName.trimmed().isEmpty() && !m_fonts.contains(m_fontEntry))
+                    m_fonts.insert(m_fontEntry, m_fontName.trimmed());
+                m_fontName.clear();
+            }
             if (m_stack.size() > 1)
                 m_stack.pop_back();
             if (m_stack.size() == 1 && started)
