@@ -69,4 +69,10 @@ std::string describe(const QTextDocument& document) {
     return out;
 }
 
+std::string describe(const std::vector<Paragraph>& paragraphs) {
+    QTextDocument document;
+    build(document, paragraphs);
+    return describe(document);
+}
+
 } // namespace mirabend::test

@@ -33,5 +33,6 @@ inline Paragraph para(std::vector<Run> runs, Qt::Alignment alignment = Qt::Align
 void build(QTextDocument& document, const std::vector<Paragraph>& paragraphs);
 // One line a paragraph: "[align bullet] text{style colour size family}|...".
 std::string describe(const QTextDocument& document);
+std::string describe(const std::vector<Paragraph>& paragraphs);
 
 } // namespace mirabend::test

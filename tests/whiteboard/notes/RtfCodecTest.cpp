@@ -18,6 +18,11 @@ struct RoundTrip {
     std::vector<Paragraph> paragraphs;
 };
 
+// Names the case in test listings (a byte dump would differ every run).
+void PrintTo(const RoundTrip& c, std::ostream* os) {
+    *os << c.name;
+}
+
 class RtfRoundTrip : public ::testing::TestWithParam<RoundTrip> {};
 
 TEST_P(RtfRoundTrip, WriterAndReaderKeepTheDocument) {
@@ -67,6 +72,11 @@ struct Foreign {
     const char* rtf;
     const char* expected; // describe() of what is read, or only the text when it has no '{'
 };
+
+// Names the case in test listings (a byte dump would differ every run).
+void PrintTo(const Foreign& c, std::ostream* os) {
+    *os << c.name;
+}
 
 class RtfForeign : public ::testing::TestWithParam<Foreign> {};
 
@@ -126,6 +136,11 @@ struct Damaged {
     RtfProblem problem;
     const char* text; // what is still read
 };
+
+// Names the case in test listings (a byte dump would differ every run).
+void PrintTo(const Damaged& c, std::ostream* os) {
+    *os << c.name;
+}
 
 class RtfDamaged : public ::testing::TestWithParam<Damaged> {};
 
