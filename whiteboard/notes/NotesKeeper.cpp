@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <QTextDocument>
 #include <QTextEdit>
 #include <QTimer>
@@ -101,6 +102,7 @@ void NotesKeeper::exportNotes() {
         tr("Rich Text Format (*.rtf)|*.rtf|Web page (*.html)|*.html;*.htm|Plain text (*.txt)|*.txt");
     request.initialFileName = QStringLiteral("notes.rtf");
     request.defaultExtension = QStringLiteral("rtf");
+    request.folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     const FileAnswer answer = m_prompts.saveFile(request);
     if (!answer.accepted())
         return;
@@ -117,6 +119,7 @@ void NotesKeeper::importNotes() {
     request.filter =
         tr("Notes (*.rtf, *.txt)|*.rtf;*.txt|Rich Text Format (*.rtf)|*.rtf|Plain text (*.txt)|*.txt|"
            "All files|*");
+    request.folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     const FileAnswer answer = m_prompts.openFile(request);
     if (!answer.accepted())
         return;
