@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QComboBox>
 #include <QEvent>
+#include <QFontInfo>
 #include <QGridLayout>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -126,6 +127,9 @@ NotesBoard::NotesBoard(QTextEdit* textBoard, Prompts& prompts, FontComboControl*
     // Notes are read on the stage and in the recording: larger than a form's text.
     QFont font = m_board->document()->defaultFont();
     font.setPointSizeF(kDefaultPoints);
+    // The default is a generic name ("Sans Serif") that the picker does not
+    // list and other programs read differently: name the family it stands for.
+    font.setFamilies({QFontInfo(font).family()});
     m_board->document()->setDefaultFont(font);
     m_tools->setObjectName(QStringLiteral("notesTools"));
     m_picker->setParent(m_tools);
