@@ -8,6 +8,7 @@
 #include "whiteboard/notes/rtf/NotesFile.h"
 
 #include <QHBoxLayout>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -40,7 +41,9 @@ void attachNotes(Mirabend_frm& window, Prompts& prompts) {
     layout->addLayout(files);
     if (ExplorerBarGroup* bar = ctx.ebDemo->group(QStringLiteral("text")))
         bar->setPanel(panel);
-    keeper->restore();
+    // Once the window shows, so a word about a damaged file has a window
+    // to stand on rather than holding up the start.
+    QTimer::singleShot(0, keeper, &NotesKeeper::restore);
 }
 
 } // namespace mirabend

@@ -71,7 +71,7 @@ void NotesKeeper::restore() {
     const RtfReadResult result = m_board.ReadProperties(bag);
     m_dirty = false;
     if (result.failure)
-        tellDamaged(result.skippedParts);
+        tellDamaged(m_path, result.skippedParts);
 }
 
 bool NotesKeeper::save() {
@@ -132,13 +132,14 @@ void NotesKeeper::importNotes() {
     const RtfReadResult result = decodeNotes(bytes, *m_board.textBoard_txt()->document());
     m_dirty = true;
     if (result.failure)
-        tellDamaged(result.skippedParts);
+        tellDamaged(answer.fileName, result.skippedParts);
 }
 
-void NotesKeeper::tellDamaged(int skippedParts) {
-    m_prompts.show(tr("Parts of the notes were damaged and could not be read (%n part(s) left out).", nullptr,
-                      skippedParts),
-                   kTitle, PromptIcon::Exclamation);
+void NotesKeeper::tellDamaged(const QString& fileName, int skippedParts) {
+    const QString lost = skippedParts == 1 ? tr("one damaged part was left out")
+                                           : tr("%1 damaged parts were left out").arg(skippedParts);
+    m_prompts.show(tr("Mirabend could read only part of the notes in %1: %2.").arg(fileName, lost), kTitle,
+                   PromptIcon::Exclamation);
 }
 
 } // namespace mirabend

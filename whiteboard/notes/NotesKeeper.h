@@ -38,7 +38,7 @@ public:
     const QString& path() const { return m_path; }
 
 private:
-    void tellDamaged(int skippedParts);
+    void tellDamaged(const QString& fileName, int skippedParts);
 
     NotesBoard& m_board;
     Prompts& m_prompts;

@@ -213,6 +213,17 @@ TEST_F(NotesKeeperTest, DamagedFilesAndFailedSavesAreToldOnceAndTheLastGoodCopyS
     EXPECT_EQ(board.toPlainText(), QStringLiteral("readable part"));
     ASSERT_EQ(prompts.messages.size(), 1);
     EXPECT_EQ(prompts.messages[0].title, QStringLiteral("Mirabend 1.0"));
+    EXPECT_TRUE(prompts.messages[0].text.contains(path)) << prompts.messages[0].text.toStdString();
+
+    // An imported file with several broken parts: one message names it.
+    const QString foreign = QString::fromStdString(folder.file("foreign.rtf"));
+    writeFile(foreign, "{\\rtf1 kept \\u99999999999 {\\*\\x{{{\\bin999999 lost");
+    prompts.answerFile(foreign);
+    keeper.importNotes();
+    EXPECT_TRUE(board.toPlainText().startsWith(QStringLiteral("kept")));
+    ASSERT_EQ(prompts.messages.size(), 2);
+    EXPECT_TRUE(prompts.messages[1].text.contains(foreign)) << prompts.messages[1].text.toStdString();
+    prompts.messages.removeLast();
 
     // The folder turns into a file: saving cannot succeed.
     const QString blocked = QString::fromStdString(folder.file("blocked"));
