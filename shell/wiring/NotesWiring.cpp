@@ -7,6 +7,7 @@
 #include "whiteboard/notes/NotesKeeper.h"
 #include "whiteboard/notes/rtf/NotesFile.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QTimer>
 #include <QToolButton>
@@ -22,6 +23,30 @@ QToolButton* fileButton(QAction* action, QWidget* parent) {
     button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     return button;
 }
+
+// Restores the kept notes from the event loop after the window's first
+// show: Form_Load runs the loop itself before the window is up.
+class RestoreWhenShown : public QObject {
+public:
+    RestoreWhenShown(QWidget& window, NotesKeeper& keeper)
+        : QObject(&keeper)
+        , m_keeper(keeper) {
+        window.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Show) {
+            watched->removeEventFilter(this);
+            QTimer::singleShot(0, &m_keeper, &NotesKeeper::restore);
+            deleteLater();
+        }
+        return false;
+    }
+
+private:
+    NotesKeeper& m_keeper;
+};
 
 } // namespace
 
@@ -43,7 +68,7 @@ void attachNotes(Mirabend_frm& window, Prompts& prompts) {
         bar->setPanel(panel);
     // Once the window shows, so a word about a damaged file has a window
     // to stand on rather than holding up the start.
-    QTimer::singleShot(0, keeper, &NotesKeeper::restore);
+    new RestoreWhenShown(window, *keeper);
 }
 
 } // namespace mirabend
