@@ -40,7 +40,6 @@ TEST_P(RtfRoundTrip, WriterAndReaderKeepTheDocument) {
 INSTANTIATE_TEST_SUITE_P(
     Documents, RtfRoundTrip,
     ::testing::Values(
-        RoundTrip{"Plain", {para({run(QStringLiteral("Just words."))})}},
         RoundTrip{"CharacterStyles",
                   {para({run(QStringLiteral("plain ")), run(QStringLiteral("bold "), "b"),
                          run(QStringLiteral("italic "), "i"), run(QStringLiteral("under "), "u"),
