@@ -18,6 +18,8 @@ namespace {
 
 QToolButton* fileButton(QAction* action, QWidget* parent) {
     auto* button = new QToolButton(parent);
+    // Tool buttons drop the "..." by default; it says a dialog follows.
+    action->setIconText(action->text());
     button->setDefaultAction(action);
     button->setToolButtonStyle(Qt::ToolButtonTextOnly);
     button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
