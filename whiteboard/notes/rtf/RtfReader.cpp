@@ -8,6 +8,8 @@
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextList>
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace mirabend {
@@ -260,24 +262,20 @@ void Reader::bodyWord(const QByteArray& w, bool hasParam, int param) {
             s.halfPoints = std::clamp(param, kMinHalfPoints, kMaxHalfPoints);
     } else if (w == "cf") {
         s.colour = hasParam ? param : 0;
-    } else if (w == "tab" || w == "cell") {
-        character(QLatin1Char('\t'));
-    } else if (w == "line") {
-        character(QChar::LineSeparator);
-    } else if (w == "emdash") {
-        character(QChar(0x2014));
-    } else if (w == "endash") {
-        character(QChar(0x2013));
-    } else if (w == "bullet") {
-        character(QChar(0x2022));
-    } else if (w == "lquote") {
-        character(QChar(0x2018));
-    } else if (w == "rquote") {
-        character(QChar(0x2019));
-    } else if (w == "ldblquote") {
-        character(QChar(0x201C));
-    } else if (w == "rdblquote") {
-        character(QChar(0x201D));
+    } else {
+        // Words that stand for one character.
+        static const std::pair<const char*, char16_t> kSymbols[] = {
+            {"tab", u'\t'},        {"cell", u'\t'},    {"line", QChar::LineSeparator},
+            {"emdash", 0x2014},    {"endash", 0x2013}, {"bullet", 0x2022},
+            {"lquote", 0x2018},    {"rquote", 0x2019}, {"ldblquote", 0x201C},
+            {"rdblquote", 0x201D},
+        };
+        for (const auto& [name, symbol] : kSymbols) {
+            if (w == name) {
+                character(QChar(symbol));
+                break;
+            }
+        }
     }
 }
 
