@@ -68,6 +68,7 @@ case "${1:-}" in
     cmake --build "$asan_dir" -j "$jobs" --target mirabend_unit_tests
     echo "== unit tests under AddressSanitizer + UndefinedBehaviorSanitizer"
     (cd "$asan_dir" && ctest -L '^unit$' -j "$jobs" --output-on-failure) || status=1
+    bash tests/whiteboard/notes/fuzz/run.sh || status=1
     echo "== the whole suite"
     (cd "$build_dir" && ctest -j "$jobs" --output-on-failure) || status=1
     exit $status

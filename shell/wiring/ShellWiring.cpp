@@ -5,6 +5,7 @@
 #include "recording/ui/remote/RemoteClient.h"
 #include "shell/slideshow/SlideShowFactory.h"
 #include "shell/wiring/AudioWiring.h"
+#include "shell/wiring/NotesWiring.h"
 #include "shell/wiring/RecordingWiring.h"
 #include "shell/wiring/WebAboutWiring.h"
 #include "util/CommandLineTool.h"
@@ -25,6 +26,7 @@ ShellServices makeShellServices(Prompts& prompts)
         return std::make_unique<AudioWiring>(window, prompts);
     };
     addWebAboutAndResolution(services, prompts);
+    services.attachPanes.push_back([&prompts](Mirabend_frm& window) { attachNotes(window, prompts); });
     return services;
 }
 
