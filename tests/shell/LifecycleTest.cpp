@@ -53,22 +53,6 @@ TEST_F(LifecycleTest, VideoStandardsHoldTheTwentyEntries)
     EXPECT_EQ(list->itemText(19), QStringLiteral("Combination (N) PAL standard (Argentina) "));
 }
 
-TEST_F(LifecycleTest, EmptyDeviceListsStayUnselectedAndMissingAudioIsReported)
-{
-    ShellOptions options;
-    options.audioDevices.clear();
-    options.cameraDevices.clear();
-    build(options);
-    EXPECT_EQ(ctx().cameraPanel->cboDevice()->count(), 0);
-    EXPECT_EQ(ctx().cameraPanel->cboDevice()->currentIndex(), -1);
-    EXPECT_EQ(ctx().cameraPanel->cboVideoFormat()->currentIndex(), -1);
-    QApplication::processEvents();
-    ASSERT_EQ(prompts.messages.size(), 1);
-    EXPECT_EQ(prompts.messages[0].text, QStringLiteral("You have no audio input devices!"));
-    // Loading went on: the task pane and the lists are there.
-    EXPECT_EQ(ctx().cameraPanel->cbovideostand()->count(), 20);
-}
-
 TEST_F(LifecycleTest, WindowHeightHasAFloorOf2800Twips)
 {
     window->show();
