@@ -1,11 +1,14 @@
 #include "ShellFixture.h"
 #include "shell/CameraSettingsPanel.h"
+#include "shell/StartUp.h"
 #include "util/ExplorerBar.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QTest>
+#include <functional>
+#include <stdexcept>
 
 namespace mirabend::test {
 namespace {
@@ -67,6 +70,39 @@ TEST_F(LifecycleTest, WindowHeightHasAFloorOf2800Twips)
     QApplication::processEvents();
     EXPECT_EQ(window->height(), 600) << "taller windows are left alone";
     EXPECT_EQ(window->width(), 900);
+    // A minimised window is not pushed back up to the floor.
+    window->setWindowState(Qt::WindowMinimized);
+    window->resize(900, 40);
+    window->Form_Resize();
+    EXPECT_EQ(window->height(), 40);
+    window->setWindowState(Qt::WindowNoState);
+    window->Form_Resize();
+    EXPECT_GE(window->frameGeometry().height() * tpp, 2800.0);
+}
+
+TEST_F(LifecycleTest, AFailedWidgetLibraryStartIsReportedAndNoWindowFollows)
+{
+    struct Case {
+        const char* name;
+        std::function<bool()> initialise;
+        bool ready;
+    };
+    const Case cases[] = {
+        {"ready", [] { return true; }, true},
+        {"refused", [] { return false; }, false},
+        {"threw", []() -> bool { throw std::runtime_error("no display"); }, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        prompts.messages.clear();
+        EXPECT_EQ(commonControlsReady(prompts, c.initialise), c.ready);
+        ASSERT_EQ(prompts.messages.size(), c.ready ? 0 : 1);
+        if (!c.ready) {
+            EXPECT_EQ(prompts.messages[0].text, QStringLiteral("Initialization error!"));
+            EXPECT_EQ(prompts.messages[0].title, QStringLiteral("Mirabend 1.0"));
+            EXPECT_EQ(prompts.messages[0].icon, PromptIcon::Critical);
+        }
+    }
 }
 
 TEST_F(LifecycleTest, ClosingTheWindowStopsTheLevelDisplayAndEndsEverything)

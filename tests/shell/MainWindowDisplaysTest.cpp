@@ -1,7 +1,7 @@
 // What the main window shows about the talk: the slide counter and the
 // chapters it marks, the audio inputs, the busy cursor while a presentation
-// opens, the stage size steps, the height floor and the camera corners
-// clicked with the mouse.
+// opens, the stage size steps and the camera corners clicked with the
+// mouse.
 #include "ShellFixture.h"
 #include "shell/CameraSettingsPanel.h"
 #include "shell/ModeGeometry.h"
@@ -174,17 +174,6 @@ TEST_F(DisplaysTest, StageShrinksAndGrowsInStepsAndTheCameraKeepsItsCorner) {
     ctx().fields.Text4->setText(QStringLiteral("run"));
     item("dec");
     EXPECT_EQ(stage().size(), QSize(720, 540));
-}
-
-TEST_F(DisplaysTest, AMinimisedWindowIsLeftAloneByTheHeightFloor) {
-    window->show();
-    window->setWindowState(Qt::WindowMinimized);
-    window->resize(900, 40);
-    window->Form_Resize();
-    EXPECT_EQ(window->height(), 40);
-    window->setWindowState(Qt::WindowNoState);
-    window->Form_Resize();
-    EXPECT_GE(window->frameGeometry().height() * window->twipsPerPixelY(), 2800.0);
 }
 
 TEST_F(DisplaysTest, ClickingACornerLabelWithTheMouseMovesTheCameraInMixedModeOnly) {
