@@ -146,14 +146,18 @@ TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
     using Clock = std::chrono::steady_clock;
     const auto started = Clock::now();
     ASSERT_EQ(run({"--record-to", file}), 0);
-    sleepMs(3000);
+    sleepMs(2000);
+    ASSERT_EQ(run({"--command", "next"}), 0); // a chapter per slide and pane
+    sleepMs(1000);
     ASSERT_EQ(run({"--command", "pause"}), 0);
     const auto paused = Clock::now();
     sleepMs(2000);
     ASSERT_EQ(run({"--command", "pause"}), 0);
     const auto resumed = Clock::now();
     ASSERT_EQ(run({"--command", "mix"}), 0);
-    sleepMs(2000);
+    sleepMs(1000);
+    ASSERT_EQ(run({"--command", "draw"}), 0);
+    sleepMs(1000);
     ASSERT_EQ(run({"--command", "stop"}), 0);
     const auto stopped = Clock::now();
     // The file is finished after the stop, once the sound server has sent
@@ -183,6 +187,12 @@ TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
     // slide's white title is in its top part, on a dark ground.
     EXPECT_GT(brightestLuma(file, 10, 20, 625, 120, 1.0), 180) << "the slide is in the recording";
     EXPECT_LT(brightestLuma(file, 700, 300, 80, 80, 1.0), 120) << "beside the panes the stage is dark";
+    // The welcome slides have no title placeholders: the chapters are named
+    // by number, and the whiteboard by its pane.
+    std::vector<std::string> chapters;
+    for (const ReadChapter& chapter : readChapters(file))
+        chapters.push_back(chapter.title);
+    EXPECT_EQ(chapters, (std::vector<std::string>{"Slide 2", "Whiteboard"})) << log();
 }
 
 } // namespace

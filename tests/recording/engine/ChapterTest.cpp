@@ -4,6 +4,7 @@
 #include "recording/engine/ChapterTrack.h"
 #include "recording/engine/Screen2Video.h"
 #include "support/ChildProcess.h"
+#include "support/MediaProbe.h"
 #include "support/PulseServer.h"
 
 #include <chrono>
@@ -12,35 +13,13 @@
 #include <iterator>
 #include <thread>
 
-extern "C" {
-#include <libavformat/avformat.h>
-}
-
 namespace mirabend {
 namespace {
 
+using test::readChapters;
+using test::ReadChapter;
+
 using namespace std::chrono_literals;
-
-struct ReadChapter {
-    double start;
-    double end;
-    std::string title;
-};
-
-std::vector<ReadChapter> readChapters(const std::string& file) {
-    AVFormatContext* context = nullptr;
-    if (avformat_open_input(&context, file.c_str(), nullptr, nullptr) < 0)
-        return {};
-    std::vector<ReadChapter> out;
-    for (unsigned i = 0; i < context->nb_chapters; ++i) {
-        const AVChapter* c = context->chapters[i];
-        const AVDictionaryEntry* title = av_dict_get(c->metadata, "title", nullptr, 0);
-        out.push_back({double(c->start) * av_q2d(c->time_base), double(c->end) * av_q2d(c->time_base),
-                       title ? title->value : ""});
-    }
-    avformat_close_input(&context);
-    return out;
-}
 
 std::string readText(const std::string& file) {
     std::ifstream in(file);
