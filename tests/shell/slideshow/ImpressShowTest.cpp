@@ -333,6 +333,7 @@ TEST_F(ImpressShowTest, WelcomePresentationOpensFromTheProgramFolder) {
     EXPECT_EQ(s.window.windowTitle(), "Mirabend 1.0 Welcome.ppt");
     EXPECT_EQ(s.slide_txt->text(), "4");
     EXPECT_EQ(s.slideNow_txt->text(), "1");
+    EXPECT_EQ(s.show->slideTitle(), "Welcome to Mirabend") << "read from the title placeholder";
 }
 
 // Last: it replaces the suite's office.
