@@ -195,5 +195,22 @@ TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
     EXPECT_EQ(chapters, (std::vector<std::string>{"Slide 2: What Mirabend does", "Whiteboard"})) << log();
 }
 
+TEST_F(EndToEnd, ASmallerStageIsRecordedAtItsNewSize)
+{
+    ASSERT_TRUE(startProgram());
+    ASSERT_TRUE(waitForShow("580x435")) << "no slide show window filled the slide pane";
+    ASSERT_EQ(run({"--command", "dec"}), 0);
+    const std::string file = home.file("small.mkv");
+    ASSERT_EQ(run({"--record-to", file}), 0);
+    sleepMs(2000);
+    ASSERT_EQ(run({"--command", "stop"}), 0);
+    app.stop(30000);
+    const MediaInfo info = probe(file);
+    ASSERT_TRUE(info.opened) << file << "\n" << log();
+    EXPECT_EQ(info.width, 720) << "one step below 800 x 600";
+    EXPECT_EQ(info.height, 540);
+    EXPECT_GT(brightestLuma(file, 20, 20, 500, 120, 0.5), 180) << "the slide keeps its place on the stage";
+}
+
 } // namespace
 } // namespace mirabend::test
