@@ -1,19 +1,27 @@
 #include "shell/StageSize.h"
 
-#include "shell/MainStatusBar.h"
 #include "shell/ModeGeometry.h"
 #include "shell/PaneBox.h"
 #include "shell/Stage.h"
 
+#include <QCursor>
 #include <QLabel>
 #include <QLineEdit>
 #include <QObject>
+#include <QToolTip>
 
 namespace mirabend {
 
 namespace {
-constexpr int kStatusMessageMs = 4000;
+constexpr int kNoteMs = 4000;
+
+// A short note where the user just clicked or pressed the key: the status
+// bar's panels leave no room for a passing message, and a note on the
+// stage itself would be recorded.
+void showNote(const QString& text) {
+    QToolTip::showText(QCursor::pos(), text, nullptr, {}, kNoteMs);
 }
+} // namespace
 
 QSize StageSize::fullSize() {
     return {Stage::kWidth, Stage::kHeight};
@@ -41,7 +49,7 @@ bool StageSize::resizeTo(const QSize& target) {
     if (target == old)
         return false;
     if (m_ctx.fields.Text4 && m_ctx.fields.Text4->text() == QLatin1String("run")) {
-        m_ctx.status->showMessage(QObject::tr("The stage keeps its size while recording."), kStatusMessageMs);
+        showNote(QObject::tr("The stage keeps its size while recording."));
         return false;
     }
     s.setFixedSize(target);
@@ -68,8 +76,7 @@ bool StageSize::resizeTo(const QSize& target) {
         info->setVisible(infoShown);
         m_ctx.ports.slides->OpenSlidesResize();
     }
-    m_ctx.status->showMessage(QObject::tr("Stage %1 x %2").arg(target.width()).arg(target.height()),
-                              kStatusMessageMs);
+    showNote(QObject::tr("Stage %1 x %2").arg(target.width()).arg(target.height()));
     return true;
 }
 

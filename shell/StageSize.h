@@ -8,7 +8,7 @@
 // records the new size from the next start.
 //
 // A running recording keeps its size: its file's picture size is fixed, so
-// the stage waits and the status bar says so.
+// the stage waits and a note by the pointer says so.
 //
 // Thread contract: UI thread only.
 

@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QRegularExpression>
 #include <QTest>
+#include <QToolTip>
 
 namespace mirabend::test {
 namespace {
@@ -171,9 +172,11 @@ TEST_F(DisplaysTest, StageShrinksAndGrowsInStepsAndTheCameraKeepsItsCorner) {
     CameraCorner(ctx()).Label13_Click();
     item("dec");
     EXPECT_EQ(pane::Top(stage().VideoCap1()), 540 - 109 - 10);
+    EXPECT_EQ(QToolTip::text(), "Stage 720 x 540");
     ctx().fields.Text4->setText(QStringLiteral("run"));
     item("dec");
     EXPECT_EQ(stage().size(), QSize(720, 540));
+    EXPECT_EQ(QToolTip::text(), "The stage keeps its size while recording.");
 }
 
 TEST_F(DisplaysTest, ClickingACornerLabelWithTheMouseMovesTheCameraInMixedModeOnly) {
