@@ -2,6 +2,7 @@
 // --help/--version first, then the widget library, then the main window.
 #include "TerminationSignals.h"
 #include "shell/Mirabend_frm.h"
+#include "shell/StartUp.h"
 #include "shell/wiring/ShellWiring.h"
 #include "util/CommandLineTool.h"
 #include "util/QtPrompts.h"
@@ -13,7 +14,6 @@
 #include <QStringList>
 #include <cstdio>
 #include <cstring>
-#include <exception>
 
 namespace {
 
@@ -87,17 +87,8 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     mirabend::QtPrompts prompts;
 
-    bool ready = false;
-    try {
-        ready = initCommonControls();
-    } catch (const std::exception&) {
-        ready = false;
-    }
-    if (!ready) {
-        prompts.show(QStringLiteral("Initialization error!"), QStringLiteral("Mirabend 1.0"),
-                     mirabend::PromptIcon::Critical);
+    if (!mirabend::commonControlsReady(prompts, initCommonControls))
         return 1;
-    }
 
     mirabend::Mirabend_frm window(mirabend::makeShellServices(prompts));
     prompts.setParent(&window);

@@ -6,13 +6,12 @@
 #include "shell/PresentationModes.h"
 #include "shell/RecordingCommands.h"
 #include "shell/Stage.h"
+#include "shell/WaitCursor.h"
 #include "util/ExplorerBar.h"
 #include "util/ProgramFolder.h"
 #include "util/Prompts.h"
 
-#include <QCursor>
 #include <QDesktopServices>
-#include <QPixmap>
 #include <QUrl>
 
 namespace mirabend {
@@ -66,6 +65,7 @@ CommandDispatcher::CommandDispatcher(ShellContext& context, PresentationModes& m
         {QStringLiteral("stop"), [&recording] { recording.stopItem(); }},
         {QStringLiteral("dec"), [this] { m_ctx.screenDec(); }},
         {QStringLiteral("resolution"), [this] { showResolution(); }},
+        {QStringLiteral("inc"), [this] { m_ctx.screenInc(); }},
         {QStringLiteral("help"), [this] { help(); }},
         {QStringLiteral("about"), [this] { showAbout(); }},
         {QStringLiteral("online"), [this] { openUrl(QUrl(QString::fromLatin1(kProductPage))); }},
@@ -130,13 +130,15 @@ void CommandDispatcher::rotate(const QString& key)
 
 void CommandDispatcher::open()
 {
-    // Busy cursor over the slide pane while the presentation program starts.
-    const QString cursorFile = ProgramFolder::dataFile(QStringLiteral("\\C_WAIT05.CUR"));
-    const QPixmap cursorPicture(cursorFile);
-    m_ctx.stage->frmSS()->setCursor(cursorPicture.isNull() ? QCursor(Qt::BusyCursor) : QCursor(cursorPicture));
+    // Busy cursor over the slide pane until the show is up or has failed:
+    // the first open waits for the presentation program to start.
+    if (!m_waitCursor)
+        m_waitCursor = new WaitCursor(m_ctx.stage->frmSS());
+    m_waitCursor->hold([] { return true; });
     m_ctx.stage->frmSS()->show();
     m_ctx.ports.slides->openSlides();
-    m_ctx.stage->frmSS()->unsetCursor();
+    SlideShowPort* slides = m_ctx.ports.slides;
+    m_waitCursor->hold([slides] { return slides->isOpening(); });
     m_panes->showPane(QStringLiteral("slides"));
 }
 

@@ -18,6 +18,7 @@ class PaneSwitcher;
 class PaneRotation;
 class RecordingCommands;
 class ExplorerBarItem;
+class WaitCursor;
 
 class CommandDispatcher {
 public:
@@ -54,6 +55,7 @@ private:
     PaneRotation* m_rotation;
     QHash<QString, std::function<void()>> m_toolbar;
     QHash<QString, std::function<void()>> m_items;
+    WaitCursor* m_waitCursor = nullptr; // owned by the slide pane
 };
 
 } // namespace mirabend

@@ -9,6 +9,8 @@
 #include "shell/PaneSwitcher.h"
 #include "shell/PresentationModes.h"
 #include "shell/RecordingCommands.h"
+#include "shell/SlideCounter.h"
+#include "shell/StageSize.h"
 #include "shell/Stage.h"
 #include "shell/TaskPaneBuilder.h"
 #include "util/ExplorerBar.h"
@@ -75,6 +77,10 @@ Mirabend_frm::Mirabend_frm(ShellServices services, QWidget* parent)
     m_ctx.fields.frmSS = m_ctx.stage->frmSS();
     m_ctx.unloadMainWindow = [this] { close(); };
     m_ctx.screenDec = [this] { ScreenDec(); };
+    m_ctx.screenInc = [this] { ScreenInc(); };
+    m_stageSize = std::make_unique<StageSize>(m_ctx);
+    m_slideCounter = new SlideCounter(m_ctx, this);
+    m_ctx.paneShown = [this](const QString& key) { m_slideCounter->paneShown(key); };
 
     m_modes = std::make_unique<PresentationModes>(m_ctx);
     m_rotation = std::make_unique<PaneRotation>(m_ctx);
@@ -168,7 +174,8 @@ void Mirabend_frm::buildToolbars()
     layoutBar->addButton(QStringLiteral("rotate2"), tr("Slides beside the drawing"), 5);
     layoutBar->addButton(QStringLiteral("rotate3"), tr("Slides beside the whiteboard"), 2);
     layoutBar->addSeparatorItem();
-    layoutBar->addButton(QStringLiteral("dec"), tr("Smaller window"), 18);
+    layoutBar->addButton(QStringLiteral("dec"), tr("Smaller stage"), 18, tr("Shrink the stage one step"), QKeySequence(tr("Ctrl+-")));
+    layoutBar->addButton(QStringLiteral("inc"), tr("Larger stage"), 17, tr("Grow the stage one step, up to its full size"), QKeySequence(tr("Ctrl+=")));
     addToolBar(Qt::TopToolBarArea, layoutBar);
     m_ctx.modeToolbar = layoutBar;
 }
@@ -213,15 +220,28 @@ void Mirabend_frm::Form_Initialize()
 void Mirabend_frm::InitDevices()
 {
     m_audioDevices = m_ctx.ports.audio->inputDevices();
-    if (m_audioDevices.isEmpty()) {
-        // Reported when loading is done and the window is up (see
-        // Form_Load), so the message has a window to belong to and does not
-        // hold up the start.
-        m_reportNoAudioDevices = true;
-        return;
-    }
+    // Reported when loading is done and the window is up (see Form_Load),
+    // so the message has a window to belong to and does not hold up the
+    // start. The devices are shown once the task pane exists.
+    m_reportNoAudioDevices = m_audioDevices.isEmpty();
+}
+
+void Mirabend_frm::showAudioDevices()
+{
+    const QString list = m_audioDevices.join(QStringLiteral("\n"));
+    const QString tip = m_audioDevices.isEmpty() ? tr("No audio input device was found.")
+                                                 : tr("Audio inputs:\n%1").arg(list);
     if (ExplorerBarItem* mic = m_ctx.ebDemo->item(QStringLiteral("record"), QStringLiteral("mic")))
-        mic->setToolTip(tr("Audio inputs: %1").arg(m_audioDevices.join(QStringLiteral(", "))));
+        mic->setToolTip(tip);
+    QString text = tr("No audio input");
+    if (!m_audioDevices.isEmpty()) {
+        text = tr("Audio: %1").arg(m_audioDevices.first());
+        if (m_audioDevices.size() > 1)
+            text += tr(" (+%1)").arg(m_audioDevices.size() - 1);
+    }
+    m_ctx.status->setPanelText(kAudioPanel, text);
+    if (QLabel* panel = m_ctx.status->panel(kAudioPanel))
+        panel->setToolTip(tip);
 }
 
 void Mirabend_frm::Form_Load()
@@ -237,6 +257,10 @@ void Mirabend_frm::Form_Load()
     }
     const TaskPanePanels panels = TaskPaneBuilder::AddExpBar(*m_ctx.ebDemo, *m_ctx.stage);
     m_ctx.cameraPanel = panels.camera;
+    m_ctx.ebDemo->group(QStringLiteral("layout"))
+        ->addItem(QStringLiteral(" Larger stage"), QStringLiteral("inc"), ImageList::icon(17));
+    m_slideCounter->attachTo(*m_ctx.ebDemo);
+    showAudioDevices();
     wireCamera();
     for (const auto& attach : m_services.attachPanes)
         attach(*this);
@@ -290,11 +314,9 @@ void Mirabend_frm::resizeEvent(QResizeEvent* event)
     Form_Resize();
 }
 
-void Mirabend_frm::ScreenDec()
-{
-    // One step smaller, never below the height floor.
-    resize(std::max(400, width() - 80), height() - 60);
-}
+void Mirabend_frm::ScreenDec() { m_stageSize->ScreenDec(); }
+
+void Mirabend_frm::ScreenInc() { m_stageSize->ScreenInc(); }
 
 void Mirabend_frm::Form_QueryUnload()
 {

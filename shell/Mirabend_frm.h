@@ -25,6 +25,8 @@ class PaneRotation;
 class PaneSwitcher;
 class PresentationModes;
 class RecordingCommands;
+class SlideCounter;
+class StageSize;
 class Mirabend_frm;
 
 // What the main window needs from outside. Every factory may be left empty;
@@ -80,6 +82,10 @@ public:
     const QStringList& audioInputDevices() const { return m_audioDevices; }
 
     void ScreenDec();
+    void ScreenInc();
+    SlideCounter& slideCounter() { return *m_slideCounter; }
+    // Status panel 3: the audio inputs found by InitDevices.
+    static constexpr int kAudioPanel = 3;
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -90,6 +96,8 @@ private:
     void buildToolbars();
     void buildCentre();
     void wireCamera();
+    // Shows what InitDevices found, once the task pane exists.
+    void showAudioDevices();
 
     ShellServices m_services;
     ShellContext m_ctx;
@@ -102,6 +110,8 @@ private:
     std::unique_ptr<PaneSwitcher> m_panes;
     std::unique_ptr<RecordingCommands> m_recording;
     std::unique_ptr<CommandDispatcher> m_commands;
+    std::unique_ptr<StageSize> m_stageSize;
+    SlideCounter* m_slideCounter = nullptr;
     QStringList m_audioDevices;
     double m_twipsPerPixelX = 15.0;
     double m_twipsPerPixelY = 15.0;

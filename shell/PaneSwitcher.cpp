@@ -58,6 +58,7 @@ void PaneSwitcher::showPane(const QString& key)
     if (!side && (mixed || mode == ShellContext::modeSingle()))
         pane::setVisible(s.infobar_pic(), false);
     updateTaskPane(bar);
+    m_ctx.paneShown(key);
 }
 
 void PaneSwitcher::showCameraFullSize()
@@ -72,6 +73,7 @@ void PaneSwitcher::showCameraFullSize()
     m_modes.SingleMode();
     pane::setVisible(s.infobar_pic(), true);
     updateTaskPane(QStringLiteral("camera"));
+    m_ctx.paneShown(QStringLiteral("cam"));
 }
 
 } // namespace mirabend

@@ -44,8 +44,11 @@ struct ShellContext {
     std::function<void()> stopAudioDisplay = [] {};
     // Ends the program (unloads the main window).
     std::function<void()> unloadMainWindow = [] {};
-    // Shrinks the stage one step.
+    // Shrinks the stage one step; grows it one step back.
     std::function<void()> screenDec = [] {};
+    std::function<void()> screenInc = [] {};
+    // A pane switch chose a pane ("slides", "cam", "text", "draw", "web").
+    std::function<void(const QString&)> paneShown = [](const QString&) {};
 
     static const QString& modeSingle();
     static const QString& modeSide();

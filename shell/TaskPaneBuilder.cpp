@@ -71,7 +71,7 @@ TaskPanePanels TaskPaneBuilder::AddExpBar(ExplorerBar& bar, Stage& stage)
     layout->addItem(QStringLiteral(" Slides beside the drawing"), QStringLiteral("rotate2"), ImageList::icon(17));
     layout->addItem(QStringLiteral(" Slides beside the whiteboard"), QStringLiteral("rotate3"),
                     ImageList::icon(17));
-    layout->addItem(QStringLiteral(" Smaller window"), QStringLiteral("dec"), ImageList::icon(18));
+    layout->addItem(QStringLiteral(" Smaller stage"), QStringLiteral("dec"), ImageList::icon(18));
     layout->addItem(QStringLiteral(" Screen resolution"), QStringLiteral("resolution"), ImageList::icon(18));
 
     // Start with the bars that matter before the first recording.

@@ -44,6 +44,8 @@ public:
     RecorderFailure start(const RecordingPlan& plan);
     void pause();
     void resume();
+    // A chapter named `title` begins at this instant of the recording.
+    void addChapter(const std::string& title) { m_mux.chapters().add(m_clock.mediaNow(av_gettime()), title); }
     // Ends the recording at this instant and returns at once: the threads
     // collect the sound the server still owes up to this instant, drain
     // and close the file by themselves.

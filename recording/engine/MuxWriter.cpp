@@ -1,5 +1,6 @@
 #include "recording/engine/MuxWriter.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace mirabend {
@@ -65,6 +66,7 @@ RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext*
                 "cannot write the " + plan.muxer + " header: " + avErrorText(ret)};
     }
     m_headerWritten = true;
+    m_chapters.begin(plan);
     return {};
 }
 
@@ -74,6 +76,9 @@ int MuxWriter::write(AVPacket* packet, int stream, AVRational codecTimeBase)
         return AVERROR(EINVAL);
     av_packet_rescale_ts(packet, codecTimeBase, m_streams[stream]->time_base);
     packet->stream_index = m_streams[stream]->index;
+    if (packet->pts != AV_NOPTS_VALUE)
+        m_endUs = std::max(m_endUs, av_rescale_q(packet->pts + packet->duration, m_streams[stream]->time_base,
+                                                 AV_TIME_BASE_Q));
     const int ret = av_interleaved_write_frame(m_context.get(), packet);
     if (m_context->pb) {
         const std::int64_t pos = avio_tell(m_context->pb);
@@ -88,7 +93,9 @@ int MuxWriter::write(AVPacket* packet, int stream, AVRational codecTimeBase)
 int MuxWriter::close()
 {
     int result = 0;
+    const bool fileWritten = m_headerWritten;
     if (m_headerWritten) {
+        m_chapters.attach(m_context.get(), m_endUs);
         result = av_write_trailer(m_context.get());
         m_headerWritten = false;
     }
@@ -100,6 +107,8 @@ int MuxWriter::close()
     }
     m_context.reset();
     m_streams[0] = m_streams[1] = nullptr;
+    if (fileWritten && result >= 0)
+        result = m_chapters.finish(m_endUs);
     return result;
 }
 

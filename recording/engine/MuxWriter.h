@@ -7,6 +7,7 @@
 // Thread contract: open() on the starting thread, then write() and close()
 // on the mux thread only. bytesWritten() from any thread.
 
+#include "recording/engine/ChapterTrack.h"
 #include "recording/engine/FfmpegHandles.h"
 #include "recording/engine/RecordingPlan.h"
 
@@ -27,6 +28,8 @@ public:
     // Writes the trailer and closes the file. Returns 0 or the first error.
     int close();
     std::uint64_t bytesWritten() const { return m_bytes; }
+    // Chapters marked while recording; written when the file closes.
+    ChapterTrack& chapters() { return m_chapters; }
 
 private:
     OutputContextPtr m_context;
@@ -34,6 +37,8 @@ private:
     bool m_fileOpen = false;
     bool m_headerWritten = false;
     std::atomic<std::uint64_t> m_bytes{0};
+    ChapterTrack m_chapters;
+    std::int64_t m_endUs = 0; // end of the last packet written, in microseconds
 };
 
 } // namespace mirabend

@@ -425,6 +425,13 @@ void Screen2Video::ResumeCapture()
         m_session->resume();
 }
 
+void Screen2Video::addChapter(const QString& title)
+{
+    std::lock_guard<std::mutex> lock(m_sessionMutex);
+    if (m_session && m_session->running())
+        m_session->addChapter(title.toStdString());
+}
+
 bool Screen2Video::IsCapturing() const
 {
     std::lock_guard<std::mutex> lock(m_sessionMutex);

@@ -187,6 +187,10 @@ public:
     // Nothing is recorded while paused; the file continues without a gap.
     void PauseCapture();
     void ResumeCapture();
+    // Begins a chapter named `title` at this instant of the recording (while
+    // paused: where the recording will go on). MP4 and Matroska carry the
+    // chapters; other formats get them as a WebVTT file next to the video.
+    void addChapter(const QString& title);
 
     bool IsCapturing() const; // started and not yet stopped or finished
     bool IsPaused() const;

@@ -89,6 +89,9 @@ RecordingFailure EngineRecorder::failure() const {
 void EngineRecorder::PauseCapture() {
     m_engine->PauseCapture();
 }
+void EngineRecorder::addChapter(const QString& title) {
+    m_engine->addChapter(title);
+}
 void EngineRecorder::ResumeCapture() {
     m_engine->ResumeCapture();
 }

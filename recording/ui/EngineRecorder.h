@@ -62,6 +62,7 @@ public:
     void StopCapture() override;
     void PauseCapture() override;
     void ResumeCapture() override;
+    void addChapter(const QString& title) override;
     RecordingFailure failure() const override;
     QStringList audioDevices() const override;
     void SelectAudioDevice(int index) override;

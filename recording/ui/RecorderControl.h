@@ -86,6 +86,9 @@ public:
     virtual void StopCapture() = 0;
     virtual void PauseCapture() = 0;
     virtual void ResumeCapture() = 0;
+    // Begins a chapter named `title` at this instant of the running capture;
+    // a recorder without chapters ignores it.
+    virtual void addChapter(const QString& title) { (void)title; }
     // The first failure of the current (or last) capture; None while all is well.
     virtual RecordingFailure failure() const = 0;
 

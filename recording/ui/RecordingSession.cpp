@@ -241,6 +241,11 @@ void RecordingSession::PauseRec() {
         setState(State::Paused);
 }
 
+void RecordingSession::addChapter(const QString& title) {
+    if (m_captureRunning && (m_state == State::Recording || m_state == State::Paused))
+        m_recorder.addChapter(title);
+}
+
 void RecordingSession::ResumeRec() {
     m_recorder.ResumeCapture();
     // The status bar only claims a recording that really runs.

@@ -49,6 +49,9 @@ public:
     void PauseRec();
     void ResumeRec();
     void StopRec();
+    // A chapter of the running recording begins now (a slide or pane
+    // change); nothing happens while no capture runs.
+    void addChapter(const QString& title);
 
     // The same as StartRecPre / StartRec, but recording to `file` without
     // the save dialog, the container chosen by the file's extension. Unlike

@@ -22,6 +22,8 @@ public:
     virtual void showOptions() = 0;
     // Size fields of the options window: the default recording area.
     virtual void setDefaultArea(int width, int height) = 0;
+    // A chapter of the running recording begins now, named `title`.
+    virtual void addChapter(const QString& title) { (void)title; }
 };
 
 // The slide show in the slide pane.
@@ -38,6 +40,10 @@ public:
     virtual void navigate(const QString& key) = 0;
     // Ends the presentation program when the main window ends.
     virtual void shutdown() = 0;
+    // True while an open waits for the presentation program to start.
+    virtual bool isOpening() const { return false; }
+    // The title of the slide the show is on; empty when it has none.
+    virtual QString slideTitle() { return {}; }
 };
 
 // The camera pane's capture control.

@@ -19,6 +19,7 @@
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/document/MacroExecMode.hpp>
 #include <com/sun/star/document/UpdateDocMode.hpp>
+#include <com/sun/star/drawing/XDrawPage.hpp>
 #include <com/sun/star/frame/Frame.hpp>
 #include <com/sun/star/frame/XComponentLoader.hpp>
 #include <com/sun/star/frame/XController2.hpp>
@@ -32,10 +33,12 @@
 #include <com/sun/star/lang/IllegalArgumentException.hpp>
 #include <com/sun/star/lang/SystemDependent.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
+#include <com/sun/star/lang/XServiceInfo.hpp>
 #include <com/sun/star/presentation/XPresentation2.hpp>
 #include <com/sun/star/presentation/XPresentationSupplier.hpp>
 #include <com/sun/star/presentation/XSlideShowController.hpp>
 #include <com/sun/star/task/XInteractionHandler.hpp>
+#include <com/sun/star/text/XText.hpp>
 #include <com/sun/star/ui/XSidebarProvider.hpp>
 #include <com/sun/star/util/URL.hpp>
 #include <com/sun/star/util/URLTransformer.hpp>
@@ -480,6 +483,33 @@ struct ImpressProgram::Impl {
         }
     }
 
+    // The text of the slide's title placeholder, on one line.
+    QString slideTitle() {
+        if (!show || !show->controller.is())
+            return {};
+        try {
+            const uno::Reference<com::sun::star::drawing::XDrawPage> page = show->controller->getCurrentSlide();
+            if (!page.is())
+                return {};
+            for (sal_Int32 i = 0; i < page->getCount(); ++i) {
+                const uno::Reference<lang::XServiceInfo> shape(page->getByIndex(i), uno::UNO_QUERY);
+                if (!shape.is() || !shape->supportsService("com.sun.star.presentation.TitleTextShape"))
+                    continue;
+                const uno::Reference<com::sun::star::text::XText> text(shape, uno::UNO_QUERY);
+                if (!text.is())
+                    continue;
+                const rtl::OUString title = text->getString();
+                return QString::fromUtf16(reinterpret_cast<const char16_t*>(title.getStr()), title.getLength())
+                    .simplified();
+            }
+        } catch (const lang::DisposedException& e) {
+            classify(e, ShowError::ShowFailed, true);
+        } catch (const uno::Exception& e) {
+            classify(e, ShowError::ShowFailed);
+        }
+        return {};
+    }
+
     void resize(QSize size) {
         if (!show || !show->window.is() || size.isEmpty())
             return;
@@ -535,6 +565,10 @@ ShowFailure ImpressProgram::go(SlideMove move) {
 
 std::optional<SlidePosition> ImpressProgram::position() {
     return d->position();
+}
+
+QString ImpressProgram::slideTitle() {
+    return d->slideTitle();
 }
 
 void ImpressProgram::endShow() {

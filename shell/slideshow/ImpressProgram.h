@@ -39,6 +39,7 @@ public:
     void resizeShow(QSize size) override;
     ShowFailure go(SlideMove move) override;
     std::optional<SlidePosition> position() override;
+    QString slideTitle() override;
     void endShow() override;
     void shutdown() override;
 

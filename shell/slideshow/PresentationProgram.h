@@ -64,6 +64,8 @@ public:
     virtual ShowFailure go(SlideMove move) = 0;
     // The running show's position; empty when no show runs.
     virtual std::optional<SlidePosition> position() = 0;
+    // The title of the slide the show is on; empty when it has none.
+    virtual QString slideTitle() { return {}; }
     // Ends the show and closes its presentation; the pane becomes empty.
     virtual void endShow() = 0;
     // Ends the program itself (the main window is closing).

@@ -56,7 +56,10 @@ SlideShow::SlideShow(const ShellFields& fields, std::unique_ptr<PresentationProg
     : QObject(parent)
     , m_fields(fields)
     , m_program(std::move(program))
-    , m_system(system) {
+    , m_system(system)
+    , m_poll(new QTimer(this)) {
+    m_poll->setInterval(kPollMs);
+    connect(m_poll, &QTimer::timeout, this, [this] { PPTInfo(); });
     connect(m_program.get(), &PresentationProgram::prepared, this, &SlideShow::onPrepared);
     connect(m_program.get(), &PresentationProgram::lost, this, &SlideShow::onLost);
 }
@@ -126,7 +129,9 @@ void SlideShow::onPrepared(const ShowFailure& failure) {
 void SlideShow::showPending() {
     const Pending pending = *m_pending;
     m_pending.reset();
-    m_showRunning = false;
+    if (m_showRunning)
+        clearPosition(); // the show that ran ends with this open
+    setRunning(false);
     if (!m_fields.frmSS) {
         fail({ShowError::ShowFailed, "no slide pane"});
         return;
@@ -146,7 +151,7 @@ void SlideShow::showPending() {
         fail(failure);
         return;
     }
-    m_showRunning = true;
+    setRunning(true);
     if (!m_program->showIsEmbedded())
         embedTopLevelShow();
     m_fields.frmSS->update();
@@ -157,7 +162,7 @@ void SlideShow::showPending() {
 
 void SlideShow::fail(const ShowFailure& failure) {
     qWarning("Mirabend: slide show failed (%d): %s", static_cast<int>(failure.code), failure.detail.c_str());
-    m_showRunning = false;
+    setRunning(false);
     setText(m_fields.ppt_txt, QStringLiteral("no"));
     if (m_fields.prompts)
         m_fields.prompts->show(failureText(), kMessageTitle, PromptIcon::Critical);
@@ -169,6 +174,7 @@ void SlideShow::onLost() {
         return;
     // The pane is empty now (the show's window went with the program); the
     // next open starts a fresh program.
+    clearPosition();
     fail({ShowError::ProgramLost, "the presentation program ended during the show"});
 }
 
@@ -221,6 +227,25 @@ void SlideShow::OpenSlidesResize() {
 
 void SlideShow::PresentSize() {
     fitShow();
+    // A rotation rewrites the slide number field; the show still knows.
+    PPTInfo();
+}
+
+QString SlideShow::slideTitle() {
+    return m_showRunning ? m_program->slideTitle() : QString();
+}
+
+void SlideShow::setRunning(bool running) {
+    m_showRunning = running;
+    if (running)
+        m_poll->start();
+    else
+        m_poll->stop();
+}
+
+void SlideShow::clearPosition() {
+    setText(m_fields.slideNow_txt, QStringLiteral("0"));
+    setText(m_fields.slide_txt, QStringLiteral("0"));
 }
 
 void SlideShow::PPTInfo() {
@@ -254,8 +279,10 @@ void SlideShow::navigate(const QString& key) {
                 return;
             }
         } else {
+            // Ended here, the show has no slide to report any more.
             m_program->endShow();
-            m_showRunning = false;
+            setRunning(false);
+            clearPosition();
         }
     }
     PPTInfo();
@@ -265,7 +292,7 @@ void SlideShow::navigate(const QString& key) {
 
 void SlideShow::shutdown() {
     m_pending.reset();
-    m_showRunning = false;
+    setRunning(false);
     m_program->shutdown();
 }
 

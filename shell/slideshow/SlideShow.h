@@ -17,6 +17,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 #include <memory>
 
 namespace mirabend {
@@ -42,9 +43,13 @@ public:
     void PPTInfo() override;
     void navigate(const QString& key) override;
     void shutdown() override;
+    // How often the show's position is read back while it runs: the
+    // presenter may move it with the keyboard inside the pane.
+    static constexpr int kPollMs = 400;
 
     // True while an open waits for the presentation program to start.
-    bool isOpening() const { return m_pending.has_value(); }
+    bool isOpening() const override { return m_pending.has_value(); }
+    QString slideTitle() override;
     PresentationProgram& program() { return *m_program; }
 
     // The open dialog, as the program shows it.
@@ -71,12 +76,16 @@ private:
     void embedTopLevelShow();
     void fitShow();
     QSize paneSize() const;
+    void setRunning(bool running);
+    // The slide fields of a show that ended: no slide of no slides.
+    void clearPosition();
 
     ShellFields m_fields;
     std::unique_ptr<PresentationProgram> m_program;
     WindowSystem* m_system;
     std::optional<Pending> m_pending;
     bool m_showRunning = false;
+    QTimer* m_poll;
     bool m_retrying = false; // the open runs again on a fresh program
 };
 

@@ -55,5 +55,6 @@ void RecordingWiring::ResumeRec() { m_form->ResumeRec(); }
 void RecordingWiring::StopRec() { m_form->StopRec(); }
 void RecordingWiring::showOptions() { m_form->showOptions(); }
 void RecordingWiring::setDefaultArea(int width, int height) { m_form->setDefaultArea(width, height); }
+void RecordingWiring::addChapter(const QString& title) { m_form->session().addChapter(title); }
 
 } // namespace mirabend

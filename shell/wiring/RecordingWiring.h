@@ -32,6 +32,7 @@ public:
     void StopRec() override;
     void showOptions() override;
     void setDefaultArea(int width, int height) override;
+    void addChapter(const QString& title) override;
 
     CaptureOptions_frm& form() { return *m_form; }
 

@@ -146,20 +146,24 @@ TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
     using Clock = std::chrono::steady_clock;
     const auto started = Clock::now();
     ASSERT_EQ(run({"--record-to", file}), 0);
-    sleepMs(3000);
+    sleepMs(2000);
+    ASSERT_EQ(run({"--command", "next"}), 0); // a chapter per slide and pane
+    sleepMs(1000);
     ASSERT_EQ(run({"--command", "pause"}), 0);
     const auto paused = Clock::now();
     sleepMs(2000);
     ASSERT_EQ(run({"--command", "pause"}), 0);
     const auto resumed = Clock::now();
     ASSERT_EQ(run({"--command", "mix"}), 0);
-    sleepMs(2000);
+    sleepMs(1000);
+    ASSERT_EQ(run({"--command", "draw"}), 0);
+    sleepMs(1000);
     ASSERT_EQ(run({"--command", "stop"}), 0);
     const auto stopped = Clock::now();
     // The file is finished after the stop, once the sound server has sent
     // the sound up to it (seconds from a sine source); SIGTERM lets the
     // program complete it before it exits.
-    app.stop(10000);
+    app.stop(30000);
 
     const MediaInfo info = probe(file);
     ASSERT_TRUE(info.opened) << file << "\n" << log();
@@ -183,6 +187,29 @@ TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
     // slide's white title is in its top part, on a dark ground.
     EXPECT_GT(brightestLuma(file, 10, 20, 625, 120, 1.0), 180) << "the slide is in the recording";
     EXPECT_LT(brightestLuma(file, 700, 300, 80, 80, 1.0), 120) << "beside the panes the stage is dark";
+    // A chapter per slide, named with the slide's title, and one for the
+    // whiteboard pane.
+    std::vector<std::string> chapters;
+    for (const ReadChapter& chapter : readChapters(file))
+        chapters.push_back(chapter.title);
+    EXPECT_EQ(chapters, (std::vector<std::string>{"Slide 2: What Mirabend does", "Whiteboard"})) << log();
+}
+
+TEST_F(EndToEnd, ASmallerStageIsRecordedAtItsNewSize)
+{
+    ASSERT_TRUE(startProgram());
+    ASSERT_TRUE(waitForShow("580x435")) << "no slide show window filled the slide pane";
+    ASSERT_EQ(run({"--command", "dec"}), 0);
+    const std::string file = home.file("small.mkv");
+    ASSERT_EQ(run({"--record-to", file}), 0);
+    sleepMs(2000);
+    ASSERT_EQ(run({"--command", "stop"}), 0);
+    app.stop(30000);
+    const MediaInfo info = probe(file);
+    ASSERT_TRUE(info.opened) << file << "\n" << log();
+    EXPECT_EQ(info.width, 720) << "one step below 800 x 600";
+    EXPECT_EQ(info.height, 540);
+    EXPECT_GT(brightestLuma(file, 20, 20, 500, 120, 0.5), 180) << "the slide keeps its place on the stage";
 }
 
 } // namespace

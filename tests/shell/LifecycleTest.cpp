@@ -1,11 +1,14 @@
 #include "ShellFixture.h"
 #include "shell/CameraSettingsPanel.h"
+#include "shell/StartUp.h"
 #include "util/ExplorerBar.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QTest>
+#include <functional>
+#include <stdexcept>
 
 namespace mirabend::test {
 namespace {
@@ -53,22 +56,6 @@ TEST_F(LifecycleTest, VideoStandardsHoldTheTwentyEntries)
     EXPECT_EQ(list->itemText(19), QStringLiteral("Combination (N) PAL standard (Argentina) "));
 }
 
-TEST_F(LifecycleTest, EmptyDeviceListsStayUnselectedAndMissingAudioIsReported)
-{
-    ShellOptions options;
-    options.audioDevices.clear();
-    options.cameraDevices.clear();
-    build(options);
-    EXPECT_EQ(ctx().cameraPanel->cboDevice()->count(), 0);
-    EXPECT_EQ(ctx().cameraPanel->cboDevice()->currentIndex(), -1);
-    EXPECT_EQ(ctx().cameraPanel->cboVideoFormat()->currentIndex(), -1);
-    QApplication::processEvents();
-    ASSERT_EQ(prompts.messages.size(), 1);
-    EXPECT_EQ(prompts.messages[0].text, QStringLiteral("You have no audio input devices!"));
-    // Loading went on: the task pane and the lists are there.
-    EXPECT_EQ(ctx().cameraPanel->cbovideostand()->count(), 20);
-}
-
 TEST_F(LifecycleTest, WindowHeightHasAFloorOf2800Twips)
 {
     window->show();
@@ -83,6 +70,39 @@ TEST_F(LifecycleTest, WindowHeightHasAFloorOf2800Twips)
     QApplication::processEvents();
     EXPECT_EQ(window->height(), 600) << "taller windows are left alone";
     EXPECT_EQ(window->width(), 900);
+    // A minimised window is not pushed back up to the floor.
+    window->setWindowState(Qt::WindowMinimized);
+    window->resize(900, 40);
+    window->Form_Resize();
+    EXPECT_EQ(window->height(), 40);
+    window->setWindowState(Qt::WindowNoState);
+    window->Form_Resize();
+    EXPECT_GE(window->frameGeometry().height() * tpp, 2800.0);
+}
+
+TEST_F(LifecycleTest, AFailedWidgetLibraryStartIsReportedAndNoWindowFollows)
+{
+    struct Case {
+        const char* name;
+        std::function<bool()> initialise;
+        bool ready;
+    };
+    const Case cases[] = {
+        {"ready", [] { return true; }, true},
+        {"refused", [] { return false; }, false},
+        {"threw", []() -> bool { throw std::runtime_error("no display"); }, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        prompts.messages.clear();
+        EXPECT_EQ(commonControlsReady(prompts, c.initialise), c.ready);
+        ASSERT_EQ(prompts.messages.size(), c.ready ? 0 : 1);
+        if (!c.ready) {
+            EXPECT_EQ(prompts.messages[0].text, QStringLiteral("Initialization error!"));
+            EXPECT_EQ(prompts.messages[0].title, QStringLiteral("Mirabend 1.0"));
+            EXPECT_EQ(prompts.messages[0].icon, PromptIcon::Critical);
+        }
+    }
 }
 
 TEST_F(LifecycleTest, ClosingTheWindowStopsTheLevelDisplayAndEndsEverything)

@@ -49,6 +49,7 @@ public:
     {
         m_trace.add(QStringLiteral("setDefaultArea %1x%2").arg(w).arg(h));
     }
+    void addChapter(const QString& title) override { m_trace.add(QStringLiteral("chapter ") + title); }
 
 private:
     Trace& m_trace;
@@ -70,6 +71,11 @@ public:
     void PPTInfo() override { m_trace.add(QStringLiteral("PPTInfo")); }
     void navigate(const QString& key) override { m_trace.add(QStringLiteral("navigate ") + key); }
     void shutdown() override { m_trace.add(QStringLiteral("slides.shutdown")); }
+    bool isOpening() const override { return opening; }
+    QString slideTitle() override { return title; }
+
+    bool opening = false; // an open waits for the presentation program
+    QString title;        // of the current slide
 
 private:
     Trace& m_trace;
@@ -132,7 +138,11 @@ protected:
             trace.add(QStringLiteral("recording.created"));
             return std::make_unique<TraceRecording>(trace, w);
         };
-        services.makeSlides = [this](Mirabend_frm&) { return std::make_unique<TraceSlides>(trace); };
+        services.makeSlides = [this](Mirabend_frm&) {
+            auto made = std::make_unique<TraceSlides>(trace);
+            slides = made.get();
+            return made;
+        };
         services.makeCamera = [this, options](Mirabend_frm&) {
             return std::make_unique<TraceCamera>(trace, options.cameraDevices, options.cameraFormats);
         };
@@ -156,6 +166,7 @@ protected:
     Trace trace;
     ScriptedPrompts prompts;
     std::unique_ptr<Mirabend_frm> window;
+    TraceSlides* slides = nullptr; // owned by the window
 };
 
 } // namespace mirabend::test

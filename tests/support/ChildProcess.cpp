@@ -87,8 +87,10 @@ void ChildProcess::stop(int graceMs)
 {
     if (m_pid <= 0)
         return;
-    kill(-m_pid, SIGTERM);
-    kill(m_pid, SIGTERM);
+    // One signal only: a program that winds down on the first may take a
+    // second one as "end now" and leave its files unfinished.
+    if (kill(-m_pid, SIGTERM) != 0)
+        kill(m_pid, SIGTERM);
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(graceMs);
     while (std::chrono::steady_clock::now() < deadline) {
         int status = 0;

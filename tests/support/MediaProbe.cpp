@@ -150,3 +150,22 @@ int brightestLuma(const std::string& file, int x, int y, int w, int h, double at
 }
 
 } // namespace mirabend::test
+
+namespace mirabend::test {
+
+std::vector<ReadChapter> readChapters(const std::string& file) {
+    AVFormatContext* raw = nullptr;
+    if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
+        return {};
+    InputContextPtr context(raw);
+    std::vector<ReadChapter> out;
+    for (unsigned i = 0; i < context->nb_chapters; ++i) {
+        const AVChapter* c = context->chapters[i];
+        const AVDictionaryEntry* title = av_dict_get(c->metadata, "title", nullptr, 0);
+        out.push_back({double(c->start) * av_q2d(c->time_base), double(c->end) * av_q2d(c->time_base),
+                       title ? title->value : ""});
+    }
+    return out;
+}
+
+} // namespace mirabend::test

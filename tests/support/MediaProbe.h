@@ -3,6 +3,7 @@
 // packets and the loudness of the decoded sound.
 
 #include <string>
+#include <vector>
 
 namespace mirabend::test {
 
@@ -29,5 +30,19 @@ namespace mirabend::test {
 // The brightest luma (0..255) in a rectangle of the first decoded video
 // frame at or after `atSeconds`, or -1 when no such frame decodes.
 int brightestLuma(const std::string& file, int x, int y, int w, int h, double atSeconds = 0.0);
+
+} // namespace mirabend::test
+
+namespace mirabend::test {
+
+struct ReadChapter {
+    double start; // seconds
+    double end;
+    std::string title;
+};
+
+// The chapters the container carries, in order; empty when it has none or
+// does not open.
+std::vector<ReadChapter> readChapters(const std::string& file);
 
 } // namespace mirabend::test

@@ -27,6 +27,7 @@ public:
     QList<QSize> sizes; // every size the show was given
     QList<SlideMove> moves;
     int endCalls = 0;
+    QStringList titles; // per slide; missing entries have no title
 
     // Completes a prepare() the way the program would.
     void finishPrepare(const ShowFailure& failure = {}) {
@@ -80,6 +81,7 @@ public:
             return std::nullopt;
         return SlidePosition{current, slideCount};
     }
+    QString slideTitle() override { return current > 0 ? titles.value(current - 1) : QString(); }
     void endShow() override {
         ++endCalls;
         current = 0;

@@ -220,6 +220,7 @@ TEST_F(ImpressShowTest, EachFormatShowsInThePaneAndNavigates) {
             EXPECT_TRUE(near(corner, kRed)) << fx << "," << fy << ": " << name(corner);
         }
 
+        EXPECT_EQ(s.show->slideTitle(), "") << "the colour slides have no title";
         expectSlide("next", 2, kGreen);
         expectSlide("next", 3, kBlue);
         expectSlide("next", 3, kBlue); // never the office's black end screen
@@ -234,7 +235,9 @@ TEST_F(ImpressShowTest, EachFormatShowsInThePaneAndNavigates) {
     s.show->navigate(QStringLiteral("exit"));
     const QColor after = s.waitForColour(kEmptyPane);
     EXPECT_TRUE(near(after, kEmptyPane)) << name(after);
-    EXPECT_EQ(s.Text3->text(), "3");
+    EXPECT_EQ(s.Text3->text(), "0");
+    EXPECT_EQ(s.slideNow_txt->text(), "0");
+    EXPECT_EQ(s.slide_txt->text(), "0");
 }
 
 TEST_F(ImpressShowTest, ShowFollowsThePaneThroughModesAndRotations) {
@@ -265,6 +268,10 @@ TEST_F(ImpressShowTest, ShowFollowsThePaneThroughModesAndRotations) {
         EXPECT_TRUE(near(seen, kGreen)) << place.what << ": " << name(seen);
         EXPECT_EQ(s.slideNow_txt->text(), "2") << place.what;
     }
+    // Moved in the office itself (a key pressed in the pane reaches the
+    // office, not us): the fields follow within a poll.
+    ASSERT_FALSE(s.program->go(SlideMove::Next));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return s.slideNow_txt->text() == QLatin1String("3"); }, 10000));
 }
 
 TEST_F(ImpressShowTest, CancelLeavesTheRunningShowAlone) {
@@ -326,6 +333,7 @@ TEST_F(ImpressShowTest, WelcomePresentationOpensFromTheProgramFolder) {
     EXPECT_EQ(s.window.windowTitle(), "Mirabend 1.0 Welcome.ppt");
     EXPECT_EQ(s.slide_txt->text(), "4");
     EXPECT_EQ(s.slideNow_txt->text(), "1");
+    EXPECT_EQ(s.show->slideTitle(), "Welcome to Mirabend") << "read from the title placeholder";
 }
 
 // Last: it replaces the suite's office.

@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QSignalSpy>
+#include <QTest>
 #include <gtest/gtest.h>
 
 namespace mirabend::test {
@@ -293,12 +294,29 @@ TEST_F(SlideShowTest, NavigationMovesThenWritesTheSlideFields) {
     show->navigate(QStringLiteral("rotate1")); // not a navigation key
     EXPECT_EQ(program->moves.size(), 6);
 
+    // "End Show" leaves no slide behind in the fields.
     show->navigate(QStringLiteral("exit"));
     EXPECT_EQ(program->endCalls, 1);
-    EXPECT_EQ(Text3->text(), "3");
+    EXPECT_EQ(Text3->text(), "0");
+    EXPECT_EQ(slideNow_txt->text(), "0");
+    EXPECT_EQ(slide_txt->text(), "0");
     show->navigate(QStringLiteral("next")); // nothing runs any more
     EXPECT_EQ(program->moves.size(), 6);
     EXPECT_EQ(ppt_txt->text(), "ppt");
+}
+
+TEST_F(SlideShowTest, AShowMovedInsideThePaneIsReadBackAndNamesItsSlide) {
+    program->titles = {QStringLiteral("Welcome"), QString()};
+    openRunning();
+    EXPECT_EQ(show->slideTitle(), "Welcome");
+    // The presenter presses a key in the pane: only the office knows.
+    program->current = 2;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return slideNow_txt->text() == QLatin1String("2"); }, 10000));
+    EXPECT_EQ(show->slideTitle(), "");
+    program->die();
+    EXPECT_EQ(slideNow_txt->text(), "0");
+    EXPECT_EQ(slide_txt->text(), "0");
+    EXPECT_EQ(show->slideTitle(), "");
 }
 
 TEST_F(SlideShowTest, ProgramEndingMidShowIsReportedAndTheNextOpenStartsAnew) {
