@@ -15,7 +15,7 @@ namespace mirabend {
 struct CaptureTarget {
     std::string display;      // X display name, "" for $DISPLAY
     std::uint32_t window = 0; // X11 window id, 0 for the screen
-    ScreenRect region;        // the screen area (or the window's size with left/top 0)
+    ScreenRect region;        // the screen area, or the part of the window (relative to it)
     bool cursor = false;
 };
 

@@ -145,6 +145,7 @@ public:
     void OutputHeight(int h) { m_outHeight = h; }
 
     // ---- overlays (drawn onto every frame; changes apply at once) ----------
+    // Colours are 0x00RRGGBB.
     void ShowDateTime(bool on);
     void DateTimeLayout(int formatIndex, int left, int top);
     void DateTimeColor(unsigned rgb);
@@ -155,6 +156,7 @@ public:
     void Text(const QString& text, int left, int top, int extra = 0);
     void TextFontName(const QString& name, int extra = 0);
     void TextFontSize(int size, int extra = 0);
+    void TextFontStyle(int styleIndex); // list index: Regular, Bold, Italic, BoldItalic, Underline
     void TextStyle(int styleIndex, int extra = 0);
     void TextColor(unsigned rgb);
     void TextOutlineColors(unsigned border, unsigned fill);

@@ -24,8 +24,9 @@ RecordingFailure EngineRecorder::translate(const RecorderFailure& failure) {
     const std::string& detail = failure.detail;
     switch (failure.code) {
     case RecorderError::None:
-    case RecorderError::AudioDeviceUnavailable:
         return {};
+    case RecorderError::AudioDeviceUnavailable:
+        return {RecordingError::SoundMissing, detail};
     case RecorderError::BadSetting:
     case RecorderError::DisplayUnavailable:
     case RecorderError::WindowNotFound:
@@ -50,14 +51,20 @@ RecordingFailure EngineRecorder::translate(const RecorderFailure& failure) {
 void EngineRecorder::collect() const {
     for (const RecorderFailure& f : m_engine->TakeFailures()) {
         const RecordingFailure mapped = translate(f);
-        if (mapped && !m_failure)
+        if (isSoundNotice(mapped.code)) {
+            if (!m_soundNotice && !m_soundTold)
+                m_soundNotice = mapped;
+        } else if (mapped && !m_failure) {
             m_failure = mapped;
+        }
     }
 }
 
 bool EngineRecorder::StartCapture() {
     m_engine->TakeFailures(); // what the last recording left behind is told already
     m_failure = {};
+    m_soundNotice = {};
+    m_soundTold = false;
     m_started = m_engine->StartCapture();
     if (!m_started) {
         collect();
@@ -84,6 +91,15 @@ RecordingFailure EngineRecorder::failure() const {
     if (!m_failure && m_started && !m_engine->IsCapturing())
         m_failure = {RecordingError::WriteFailed, "the recorder stopped by itself"};
     return m_failure;
+}
+
+RecordingFailure EngineRecorder::takeSoundNotice() {
+    collect();
+    const RecordingFailure notice = m_soundNotice;
+    // Told once: later notices of the same capture are not handed out again.
+    m_soundTold = m_soundTold || notice;
+    m_soundNotice = {};
+    return notice;
 }
 
 void EngineRecorder::PauseCapture() {
@@ -249,7 +265,8 @@ void EngineRecorder::Text(const QString& text, int left, int top, int reserved) 
     m_engine->Text(text, left, top, reserved);
 }
 void EngineRecorder::TextFontName(const QString& family, int styleIndex) {
-    m_engine->TextFontName(family, styleIndex);
+    m_engine->TextFontName(family);
+    m_engine->TextFontStyle(styleIndex);
 }
 void EngineRecorder::TextFontSize(int points, int reserved) {
     m_engine->TextFontSize(points, reserved);

@@ -235,7 +235,7 @@ TEST_F(RecordingTest, AStopInTheBackgroundCompletesTheFileWhileTheNextRecordingR
     EXPECT_NEAR(two.audioSeconds, two.videoSeconds, 0.15);
 }
 
-TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithoutSound)
+TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithSilence)
 {
     // Point the sound clients at a server that does not exist: the device
     // list falls back to ALSA, whose default device leads nowhere here.
@@ -254,7 +254,9 @@ TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithoutSound)
     const test::MediaInfo info = probe(file);
     ASSERT_TRUE(info.opened);
     EXPECT_EQ(info.videoCodec, "msvideo1");
-    EXPECT_TRUE(info.audioCodec.empty());
+    EXPECT_EQ(info.audioCodec, "pcm_s16le") << "the sound track is kept, silent";
+    EXPECT_EQ(info.audioRms, 0.0);
+    EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.2);
     EXPECT_NEAR(double(info.videoPackets), 10, 2);
 }
 

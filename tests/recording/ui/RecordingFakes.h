@@ -8,6 +8,7 @@
 #include <QMap>
 #include <QSet>
 #include <QStringList>
+#include <utility>
 
 namespace mirabend::test {
 
@@ -94,6 +95,8 @@ public:
     void PauseCapture() override { log("PauseCapture", {}); }
     void ResumeCapture() override { log("ResumeCapture", {}); }
     RecordingFailure failure() const override { return currentFailure; }
+    RecordingFailure soundNotice; // handed out once, as the engine's adapter does
+    RecordingFailure takeSoundNotice() override { return std::exchange(soundNotice, RecordingFailure{}); }
     QStringList audioDevices() const override { return devices; }
     void SelectAudioDevice(int index) override {
         selectedDevice = index;
