@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QWidget>
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstring>
@@ -367,6 +368,53 @@ TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile)
         EXPECT_GT(info.videoPackets, 0);
     }
     umount(mountPoint.c_str());
+}
+
+TEST_F(RecordingTest, ABadOptionValueIsNamedOnOneLineAndRecordsNothing)
+{
+    {
+        std::ofstream notImage(m_folder.file("notes.png"));
+        notImage << "not a picture";
+    }
+    const std::string out = m_folder.file("never.avi");
+    const struct {
+        std::vector<std::string> args;
+        std::string expected;
+    } cases[] = {
+        {{"--fps", "abc"}, "--fps: \"abc\" is not a number"},
+        {{"--fps", "0"}, "--fps: 0 is not a frame rate from 1 to 240"},
+        {{"--size", "0x0"}, "--size: \"0x0\""},
+        {{"--image", m_folder.file("notes.png")}, "--image: " + m_folder.file("notes.png") + " is not an image"},
+        {{"--image", m_folder.file("gone.png")}, "--image: there is no file"},
+        {{"--video-bitrate", "fast"}, "--video-bitrate: \"fast\""},
+        {{"--window", "main"}, "--window: \"main\""},
+        {{"--fps"}, "--fps needs a value"},
+        {{"--frobnicate"}, "unknown option --frobnicate"},
+    };
+    const auto run = [&](std::vector<std::string> args) {
+        const std::string log = m_folder.file("bad.log");
+        test::ChildProcess tool;
+        // A runtime folder, or Qt's own warning about it would come first.
+        EXPECT_TRUE(tool.start(args, {"XDG_RUNTIME_DIR=" + m_folder.path()}, log));
+        const int code = tool.wait(30000);
+        std::ifstream in(log);
+        const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        return std::make_pair(code, text);
+    };
+    for (const auto& c : cases) {
+        std::vector<std::string> args = {driver(), "--record-screen", out};
+        args.insert(args.end(), c.args.begin(), c.args.end());
+        const auto [code, text] = run(args);
+        SCOPED_TRACE(text);
+        EXPECT_EQ(code, 2);
+        EXPECT_EQ(text.rfind("mirabend: ", 0), 0u);
+        EXPECT_NE(text.find(c.expected), std::string::npos) << c.expected;
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << "one line, not the whole help";
+    }
+    const auto [code, text] = run({driver(), "--record-screen", m_folder.file("talk.xyz")});
+    EXPECT_EQ(code, 2);
+    EXPECT_NE(text.find("--record-screen: unknown extension \"xyz\""), std::string::npos) << text;
+    EXPECT_NE(access(out.c_str(), F_OK), 0) << "nothing is recorded";
 }
 
 TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled)
