@@ -1,5 +1,7 @@
 #include "recording/engine/CaptureSession.h"
 
+#include "recording/repair/RecordingJournal.h"
+
 #include <QDateTime>
 #include <QGuiApplication>
 #include <QImage>
@@ -144,6 +146,9 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
     if (RecorderFailure f =
             m_mux.open(plan, m_videoEncoder.context(), m_haveAudio ? m_audioEncoder.context() : nullptr))
         return f;
+    // Listed as in progress until closed: a kill or crash before that is
+    // repaired at the next start.
+    RecordingJournal().add(plan.file);
 
     // Both devices are read from now on. The recording's time starts with
     // the first frame, so the picture begins at once; sound before it is cut.
@@ -470,6 +475,7 @@ void CaptureSession::muxLoop()
     std::int64_t none = 0;
     m_endStamp.compare_exchange_strong(none, av_gettime());
     const int ret = m_mux.close();
+    RecordingJournal().remove(m_plan.file);
     if (ret < 0 && !m_writeFailed)
         fail(RecorderError::WriteFailed, "closing " + m_plan.file + " failed: " + avErrorText(ret));
     m_finished = true;
