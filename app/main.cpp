@@ -1,6 +1,7 @@
 // The start-up procedure of the mirabend executable: command-line modes and
 // --help/--version first, then the widget library, then the main window.
 #include "TerminationSignals.h"
+#include "recording/ui/UnfinishedRecordings.h"
 #include "shell/Mirabend_frm.h"
 #include "shell/wiring/ShellWiring.h"
 #include "util/CommandLineTool.h"
@@ -11,6 +12,7 @@
 #include <QIcon>
 #include <QScreen>
 #include <QStringList>
+#include <QTimer>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -103,6 +105,9 @@ int main(int argc, char** argv)
         window.context().ports.slides->openFile(presentation);
     else
         window.context().ports.slides->openSlidesStart();
+    // Recordings a crash left unfinished are repaired once the window shows.
+    QTimer::singleShot(0, &window,
+                       [&prompts, &window] { mirabend::UnfinishedRecordings(prompts).repairAll(&window); });
     // Made after the window so that it goes first: a second signal while the
     // window and the recorder wind down ends the program at once.
     mirabend::TerminationSignals terminationSignals;
