@@ -49,7 +49,29 @@ struct StreamState {
     int out = -1; // output stream index, -1 when left out
     Packet held;  // last packet read, written once the next arrives
     std::int64_t lastDts = AV_NOPTS_VALUE;
+    std::int64_t firstPts = AV_NOPTS_VALUE; // of the first picture, in the input's time base
+    std::int64_t firstSlot = 0;             // its place on the frame grid
 };
+
+// Millisecond containers (Matroska, FLV, ASF) round each picture's time, and
+// the recorder's pictures start half a frame late there (the muxer shifts
+// them by the AAC encoder's priming), so the roundings sit on the edge of two
+// frames: a player that resamples to the frame rate then sees two pictures
+// for one frame. Constant-rate pictures are put back on their frame grid.
+void snapToFrameGrid(StreamState& s, AVPacket& packet, const AVStream& in, const AVStream& out) {
+    const AVRational rate = in.avg_frame_rate.num > 0 ? in.avg_frame_rate : in.r_frame_rate;
+    if (in.codecpar->codec_type != AVMEDIA_TYPE_VIDEO || rate.num <= 0 || rate.den <= 0 ||
+        out.time_base.den > 1000 || packet.pts != packet.dts)
+        return;
+    const AVRational frame = av_inv_q(rate);
+    if (s.firstPts == AV_NOPTS_VALUE) {
+        s.firstPts = packet.pts;
+        s.firstSlot = av_rescale_q(packet.pts, in.time_base, frame);
+    }
+    const std::int64_t slot = s.firstSlot + av_rescale_q(packet.pts - s.firstPts, in.time_base, frame);
+    packet.pts = packet.dts = av_rescale_q(slot, frame, out.time_base);
+    packet.duration = av_rescale_q(1, frame, out.time_base);
+}
 
 } // namespace
 
@@ -122,6 +144,8 @@ VideoRepairFailure repairVideo(const std::string& file, VideoRepairReport& repor
             packet->pts = packet->dts;
         if (packet->dts == AV_NOPTS_VALUE)
             return 0; // no time: nothing to place it at
+        av_packet_rescale_ts(packet.get(), in->time_base, out->time_base);
+        snapToFrameGrid(s, *packet, *in, *out);
         // The tail of a damaged file can repeat or reorder a stamp; keep
         // the stream's time running forward.
         if (s.lastDts != AV_NOPTS_VALUE && packet->dts <= s.lastDts) {
@@ -132,10 +156,9 @@ VideoRepairFailure repairVideo(const std::string& file, VideoRepairReport& repor
                 packet->pts = packet->dts;
         }
         s.lastDts = packet->dts;
-        const std::int64_t end = av_rescale_q(packet->pts + packet->duration, in->time_base, AV_TIME_BASE_Q);
+        const std::int64_t end = av_rescale_q(packet->pts + packet->duration, out->time_base, AV_TIME_BASE_Q);
         if (end > endUs)
             endUs = end;
-        av_packet_rescale_ts(packet.get(), in->time_base, out->time_base);
         packet->stream_index = s.out;
         packet->pos = -1;
         ++report.packets;

@@ -82,10 +82,10 @@ TEST_F(CrashRepair, KilledRecordingsOfEveryFormatAreListedRepairedAndPlay) {
     std::vector<std::unique_ptr<ChildProcess>> recorders;
     for (const char* format : kFormats) {
         recorders.push_back(std::make_unique<ChildProcess>());
-        ASSERT_TRUE(recorders.back()->start({RECORD_SCREEN_DRIVER, "--record-screen",
-                                             file(std::string("killed.") + format), "--region", "0,0,320,240",
-                                             "--fps", "10"},
-                                            env, file(std::string(format) + ".log")));
+        ASSERT_TRUE(
+            recorders.back()->start({RECORD_SCREEN_DRIVER, "--record-screen",
+                                     file(std::string("killed.") + format), "--region", "0,0,320,240"},
+                                    env, file(std::string(format) + ".log")));
     }
     std::this_thread::sleep_for(std::chrono::seconds(kKillAfterSeconds));
     for (auto& recorder : recorders) {
