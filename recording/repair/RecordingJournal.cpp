@@ -29,8 +29,18 @@ std::string defaultFolder() {
     return base + "/mirabend/recordings";
 }
 
+// A killed recorder nobody has reaped yet is a zombie: gone all the same.
 bool processAlive(long pid) {
-    return pid > 0 && (::kill(pid_t(pid), 0) == 0 || errno == EPERM);
+    if (pid <= 0 || (::kill(pid_t(pid), 0) != 0 && errno != EPERM))
+        return false;
+    std::ifstream stat("/proc/" + std::to_string(pid) + "/stat");
+    std::string line;
+    std::getline(stat, line);
+    const std::size_t close = line.rfind(')');
+    if (close == std::string::npos || close + 2 >= line.size())
+        return true;
+    const char state = line[close + 2];
+    return state != 'Z' && state != 'X';
 }
 
 std::string absolute(const std::string& file) {

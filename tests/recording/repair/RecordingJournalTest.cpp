@@ -14,15 +14,17 @@
 namespace mirabend::test {
 namespace {
 
-// Adds `file` to the journal from a process that then ends.
-void addFromAProcessThatDies(const RecordingJournal& journal, const std::string& file) {
+// Adds `file` to the journal from a process that then ends; a zombie (not
+// reaped yet, as after a kill) when `reap` is false.
+pid_t addFromAProcessThatDies(const RecordingJournal& journal, const std::string& file, bool reap = true) {
     const pid_t child = ::fork();
     if (child == 0) {
         journal.add(file);
         ::_exit(0);
     }
-    int status = 0;
-    ::waitpid(child, &status, 0);
+    siginfo_t info{};
+    ::waitid(P_PID, id_t(child), &info, reap ? WEXITED : WEXITED | WNOWAIT);
+    return child;
 }
 
 TEST(RecordingJournal, OnlyRecordingsWhoseRecorderIsGoneAreUnfinished) {
@@ -34,9 +36,11 @@ TEST(RecordingJournal, OnlyRecordingsWhoseRecorderIsGoneAreUnfinished) {
         std::ofstream(f) << "data";
 
     journal.add(live); // this process is still writing it
-    addFromAProcessThatDies(journal, killed);
+    const pid_t zombie = addFromAProcessThatDies(journal, killed, false);
     addFromAProcessThatDies(journal, folder.file("deleted-since.wmv"));
     EXPECT_EQ(journal.unfinished(), std::vector<std::string>({killed}));
+    int status = 0;
+    ::waitpid(zombie, &status, 0);
 
     journal.remove(killed);
     journal.remove(live);
