@@ -27,6 +27,9 @@ struct VideoTarget {
     std::int64_t bitRate = 0; // 0: the encoder's own rate control
     int gopSize = 0;          // frames between key frames
     bool hardwareWanted = false;
+    int quality = -1;         // H.264 constant rate factor; -1: the recorder's choice
+    std::string preset;       // H.264 speed preset; "": the fastest
+    int keyframeInterval = 0; // Microsoft Video 1: frames between whole pictures; 0: the encoder's
 };
 
 struct AudioTarget {

@@ -213,6 +213,26 @@ OverlaySettings Screen2Video::Overlay() const
     return m_overlay->snapshot();
 }
 
+int Screen2Video::VideoCompressorSetting(const QString& compressor, const std::string& key) const
+{
+    const auto values = m_compressorSettings.find(compressor);
+    if (values != m_compressorSettings.end()) {
+        const auto value = values->second.find(key);
+        if (value != values->second.end())
+            return value->second;
+    }
+    for (const CompressorSetting& setting : CompressorCatalog::videoSettings(compressor)) {
+        if (setting.key == key)
+            return setting.value;
+    }
+    return -1;
+}
+
+void Screen2Video::VideoCompressorSetting(const QString& compressor, const std::string& key, int value)
+{
+    m_compressorSettings[compressor][key] = value;
+}
+
 // ---- recording --------------------------------------------------------------
 
 void Screen2Video::remember(const RecorderFailure& failure)
@@ -302,6 +322,12 @@ RecordingPlan Screen2Video::plan(RecorderFailure& failure) const
     s.outWidth = m_outWidth;
     s.outHeight = m_outHeight;
     s.audio = m_audioEnabled;
+    const auto settings = m_compressorSettings.find(s.videoCompressor);
+    if (settings != m_compressorSettings.end())
+        s.videoCompressorSettings = settings->second;
+    const auto h264 = m_compressorSettings.find(QStringLiteral("H.264"));
+    if (h264 != m_compressorSettings.end())
+        s.h264Settings = h264->second;
     failure = FormatPlanner::plan(s, out.capture.region.width, out.capture.region.height, out);
     return out;
 }

@@ -13,12 +13,14 @@
 // own, started by StartCapture() and joined by StopCapture(), WaitForFinish()
 // or the destructor.
 
+#include "recording/engine/CompressorCatalog.h"
 #include "recording/engine/NamedList.h"
 #include "recording/engine/OverlayBoard.h"
 #include "recording/engine/RecorderTypes.h"
 
 #include <QString>
 #include <QStringList>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -91,6 +93,11 @@ public:
     const CompressorList& AudioCompressors() const { return m_audioCompressors; }
     int AudioCompressorIndex() const { return m_audioCompressor; }
     void AudioCompressorIndex(int index) { m_audioCompressor = index; }
+    // A video compressor's settings page (CompressorCatalog::videoSettings):
+    // values by compressor name and setting key, used by every recording with
+    // that compressor (the "H.264" ones also for MP4 and Matroska).
+    int VideoCompressorSetting(const QString& compressor, const std::string& key) const;
+    void VideoCompressorSetting(const QString& compressor, const std::string& key, int value);
 
     // AVI. The two switches are kept for the options window; a compressor is
     // always used, since AVI without one would be raw video.
@@ -229,6 +236,7 @@ private:
     CompressorList m_audioCompressors;
     int m_videoCompressor = 0;
     int m_audioCompressor = 0;
+    std::map<QString, CompressorSettingValues> m_compressorSettings;
 
     bool m_aviUseVideoCompressor = true;
     bool m_aviUseAudioCompressor = true;

@@ -1,6 +1,9 @@
 #include "recording/ui/EngineRecorder.h"
 
 #include "recording/overlay/OverlayChoices.h"
+#include "recording/ui/CompressorSettingsDialog.h"
+
+#include <QApplication>
 
 namespace mirabend {
 
@@ -153,7 +156,19 @@ void EngineRecorder::AudioCompressorIndex(int index) {
     m_engine->AudioCompressorIndex(index);
 }
 bool EngineRecorder::showVideoCompressorSettings(int index) {
-    return m_engine->VideoCompressors().ShowPropertyPage(index);
+    const QString name = m_engine->VideoCompressors().Item(index);
+    const std::vector<CompressorSetting> settings = CompressorCatalog::videoSettings(name);
+    if (settings.empty())
+        return false;
+    CompressorSettingValues current;
+    for (const CompressorSetting& setting : settings)
+        current[setting.key] = m_engine->VideoCompressorSetting(name, setting.key);
+    CompressorSettingsDialog page(name, settings, current, QApplication::activeWindow());
+    if (page.exec() == QDialog::Accepted) {
+        for (const auto& [key, value] : page.values())
+            m_engine->VideoCompressorSetting(name, key, value);
+    }
+    return true;
 }
 
 void EngineRecorder::AviSwitches(bool on) {

@@ -11,12 +11,15 @@
 #include "support/ScriptedPrompts.h"
 #include "util/Clock.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSpinBox>
+#include <QTimer>
 #include <QWidget>
 #include <functional>
 #include <gtest/gtest.h>
@@ -123,6 +126,30 @@ TEST_F(RecordedChoices, ColoursAndFontStylesReachTheRecorderAsShown) {
     }
     o.cbodatefontstyle->setCurrentIndex(3);
     EXPECT_EQ(drawn().dateFontStyle, 3);
+}
+
+TEST_F(RecordedChoices, CompressorsWithRealSettingsShowTheirPage) {
+    DeviceOptions& d = form->devices();
+    d.cboVideoCompressor->setCurrentIndex(d.cboVideoCompressor->findText("MPEG-4"));
+    // The page is modal: answer it once it shows.
+    QTimer::singleShot(0, [] {
+        spinUntil([] { return QApplication::activeModalWidget() != nullptr; }, 5000);
+        QWidget* page = QApplication::activeModalWidget();
+        ASSERT_TRUE(page);
+        auto* bitrate = page->findChild<QSpinBox*>("setting_bitrate");
+        ASSERT_TRUE(bitrate);
+        EXPECT_EQ(bitrate->specialValueText(), "Automatic");
+        bitrate->setValue(900);
+        static_cast<QDialog*>(page)->accept();
+    });
+    d.cmdVideoCompSetting->click();
+    EXPECT_EQ(recorder.engine().VideoCompressorSetting("MPEG-4", "bitrate"), 900);
+    EXPECT_TRUE(prompts.messages.isEmpty());
+
+    d.cboVideoCompressor->setCurrentIndex(d.cboVideoCompressor->findText("Sorenson Spark"));
+    d.cmdVideoCompSetting->click();
+    ASSERT_EQ(prompts.messages.size(), 1);
+    EXPECT_EQ(prompts.messages[0].text, "No property page");
 }
 
 TEST_F(RecordedChoices, ARedTextStampIsRedInTheWrittenVideo) {
