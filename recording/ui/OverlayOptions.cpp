@@ -445,7 +445,6 @@ void OverlayOptions::cmdhashbackcolor_Click() {
     if (const auto colour = askColour(m_hatchBack, QStringLiteral("Hatch background colour"))) {
         m_hatchBack = *colour;
         swatch(cmdhashbackcolor, m_hatchBack);
-    swatch(cmdimagetrancolor, m_imageTransparent);
         handHatch();
     }
 }

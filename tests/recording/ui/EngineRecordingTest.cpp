@@ -69,13 +69,6 @@ MediaInfo probe(const QString& path) {
     return info;
 }
 
-void spinUntil(const std::function<bool()>& done, int timeoutMs) {
-    QElapsedTimer waited;
-    waited.start();
-    while (!done() && waited.elapsed() < timeoutMs)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-}
-
 void spinFor(int ms) {
     QElapsedTimer waited;
     waited.start();

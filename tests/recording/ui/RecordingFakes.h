@@ -5,12 +5,23 @@
 #include "recording/ui/RecorderControl.h"
 #include "recording/ui/RecordingHost.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QMap>
 #include <QSet>
 #include <QStringList>
+#include <functional>
 #include <utility>
 
 namespace mirabend::test {
+
+// Runs the event loop until `done` holds or `timeoutMs` have passed.
+inline void spinUntil(const std::function<bool()>& done, int timeoutMs) {
+    QElapsedTimer waited;
+    waited.start();
+    while (!done() && waited.elapsed() < timeoutMs)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
 
 class FakeRecorder final : public RecorderControl {
 public:
