@@ -5,6 +5,10 @@
 #include "recording/engine/Screen2Video.h"
 #include "support/ChildProcess.h"
 
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
 #include <QCoreApplication>
 #include <QWidget>
 #include <algorithm>
@@ -18,6 +22,8 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace mirabend {
 namespace {
@@ -110,6 +116,68 @@ TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound)
         EXPECT_NEAR(info.audioSeconds, 1.5, 0.45);
         EXPECT_GT(info.audioRms, 0.05) << "the sine source should be audible";
         EXPECT_TRUE(failuresOf(r, RecorderError::AudioDeviceUnavailable).empty());
+    }
+}
+
+// Key pictures among a file's video packets, and the whole file's bytes.
+std::pair<int, std::string> keyPacketsAndBytes(const std::string& file)
+{
+    int keys = 0;
+    AVFormatContext* raw = nullptr;
+    if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) == 0) {
+        const int video = av_find_best_stream(raw, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+        AVPacket* packet = av_packet_alloc();
+        while (av_read_frame(raw, packet) >= 0) {
+            keys += packet->stream_index == video && (packet->flags & AV_PKT_FLAG_KEY);
+            av_packet_unref(packet);
+        }
+        av_packet_free(&packet);
+        avformat_close_input(&raw);
+    }
+    std::ifstream in(file, std::ios::binary);
+    return {keys, std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>())};
+}
+
+// What a compressor's settings page chose is what the encoder wrote: x264
+// names its rate factor and speed in the stream, Video 1 its key pictures.
+TEST_F(RecordingTest, CompressorSettingsReachTheWrittenStream)
+{
+    const struct {
+        int format;
+        const char* compressor;
+        std::vector<std::pair<std::string, int>> settings;
+        std::vector<std::string> written; // in the stream's bytes
+        int keys;                         // key pictures in 12 frames, or -1
+    } cases[] = {
+        {5, "H.264", {}, {"crf=23.0", "subme=0"}, -1},
+        {5, "H.264", {{"quality", 30}, {"speed", 5}}, {"crf=30.0", "subme=7"}, -1},
+        {0, "Microsoft Video 1", {}, {}, 1},
+        {0, "Microsoft Video 1", {{"keyframes", 3}}, {}, 4},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.compressor) + " with " + std::to_string(c.settings.size()) + " settings");
+        Screen2Video r;
+        const std::string file = m_folder.file(c.format == 0 ? "set.avi" : "set.mkv");
+        r.OutputFileName(QString::fromStdString(file));
+        r.OutputFormat(c.format);
+        r.AudioEnabled(false);
+        r.FrameRate(12);
+        r.ZoomRectangle(0, 0, 160, 120);
+        r.VideoCompressorIndex(r.VideoCompressors().FindByName(QString::fromLatin1(c.compressor)));
+        for (const auto& [key, value] : c.settings)
+            r.VideoCompressorSetting(QString::fromLatin1(c.compressor), key, value);
+        ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+        recordFor(r, 0.95);
+        r.StopCapture();
+        const test::MediaInfo info = probe(file);
+        ASSERT_TRUE(info.opened);
+        ASSERT_NEAR(double(info.videoPackets), 12, 1);
+        const auto [keys, bytes] = keyPacketsAndBytes(file);
+        for (const std::string& needle : c.written)
+            EXPECT_NE(bytes.find(needle), std::string::npos) << needle;
+        if (c.keys >= 0) {
+            EXPECT_NEAR(keys, c.keys * info.videoPackets / 12.0, 1);
+        }
     }
 }
 
