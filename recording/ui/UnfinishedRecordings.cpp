@@ -43,38 +43,41 @@ int UnfinishedRecordings::repairAll(QWidget* parent) {
     const std::vector<std::string> files = m_journal.unfinished();
     if (files.empty())
         return 0;
-    QProgressDialog progress(parent);
-    progress.setObjectName(QStringLiteral("repairProgress"));
-    progress.setWindowTitle(QString::fromLatin1(options::kMessageTitle));
-    progress.setCancelButtonText(QStringLiteral("Later"));
-    progress.setRange(0, kSteps * int(files.size()));
-    progress.setMinimumDuration(kShowProgressAfterMs);
-    progress.setAutoReset(false);
-    progress.setValue(0);
-
     QStringList repaired;
     QStringList failed;
-    for (std::size_t i = 0; i < files.size() && !progress.wasCanceled(); ++i) {
-        const QString name = QString::fromStdString(files[i]);
-        progress.setLabelText(
-            QStringLiteral("Repairing the unfinished recording %1 ...").arg(QFileInfo(name).fileName()));
-        const int base = kSteps * int(i);
-        VideoRepairReport report;
-        const VideoRepairFailure failure = repairVideo(files[i], report, [&](double share) {
-            progress.setValue(base + int(share * kSteps));
-            QCoreApplication::processEvents();
-            return !progress.wasCanceled();
-        });
-        if (failure.code == VideoRepairError::Cancelled)
-            break; // left as it was and listed: the next start tries again
-        // Told once: a file that cannot be repaired is not offered again.
-        m_journal.remove(files[i]);
-        if (failure)
-            failed << QStringLiteral("%1 (%2)").arg(name, QString::fromStdString(failure.detail));
-        else
-            repaired << QStringLiteral("%1 (%2 s)").arg(name).arg(report.seconds, 0, 'f', 1);
+    {
+        // Gone before the message shows: a hidden progress dialog can still
+        // show itself over it once its delay runs out.
+        QProgressDialog progress(parent);
+        progress.setObjectName(QStringLiteral("repairProgress"));
+        progress.setWindowTitle(QString::fromLatin1(options::kMessageTitle));
+        progress.setCancelButtonText(QStringLiteral("Later"));
+        progress.setRange(0, kSteps * int(files.size()));
+        progress.setMinimumDuration(kShowProgressAfterMs);
+        progress.setAutoReset(false);
+        progress.setValue(0);
+
+        for (std::size_t i = 0; i < files.size() && !progress.wasCanceled(); ++i) {
+            const QString name = QString::fromStdString(files[i]);
+            progress.setLabelText(
+                QStringLiteral("Repairing the unfinished recording %1 ...").arg(QFileInfo(name).fileName()));
+            const int base = kSteps * int(i);
+            VideoRepairReport report;
+            const VideoRepairFailure failure = repairVideo(files[i], report, [&](double share) {
+                progress.setValue(base + int(share * kSteps));
+                QCoreApplication::processEvents();
+                return !progress.wasCanceled();
+            });
+            if (failure.code == VideoRepairError::Cancelled)
+                break; // left as it was and listed: the next start tries again
+            // Told once: a file that cannot be repaired is not offered again.
+            m_journal.remove(files[i]);
+            if (failure)
+                failed << QStringLiteral("%1 (%2)").arg(name, QString::fromStdString(failure.detail));
+            else
+                repaired << QStringLiteral("%1 (%2 s)").arg(name).arg(report.seconds, 0, 'f', 1);
+        }
     }
-    progress.close();
     const QString text = reportText(repaired, failed);
     if (!text.isEmpty())
         m_prompts.show(text, QString::fromLatin1(options::kMessageTitle),
