@@ -109,7 +109,8 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
             soundOptions.push_back({"stream_name", "Screen recording"});
         }
         std::string soundError = "no audio source";
-        if (!plan.source.backend.empty() && m_sound.open(plan.source.backend.c_str(), plan.source.device, soundOptions, soundError)) {
+        if (!plan.source.backend.empty() &&
+            m_sound.open(plan.source.backend.c_str(), plan.source.device, soundOptions, soundError)) {
             const AVCodecParameters* p = m_sound.parameters();
             if (p->codec_id != AV_CODEC_ID_PCM_S16LE) {
                 soundError = "the audio source does not deliver 16-bit samples";
