@@ -492,8 +492,11 @@ TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled)
         const std::string file = m_folder.file(std::string("killed.") + extension);
         test::ChildProcess recorder;
         ASSERT_TRUE(recorder.start({driver(), "--record-screen", file, "--seconds", "30", "--region",
-                                    "0,0,320,240", "--fps", "10"}));
-        std::this_thread::sleep_for(3s);
+                                    "0,0,320,240", "--fps", "10"},
+                                   {"XDG_STATE_HOME=" + m_folder.path()}));
+        // Killed once two seconds are on disk, however slowly the recorder got going.
+        for (int waited = 0; waited < 300 && probe(file).videoSeconds < 2.0; ++waited)
+            std::this_thread::sleep_for(100ms);
         kill(recorder.pid(), SIGKILL);
         recorder.stop();
         const test::MediaInfo info = probe(file);

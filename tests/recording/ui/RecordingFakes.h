@@ -4,6 +4,7 @@
 
 #include "recording/ui/RecorderControl.h"
 #include "recording/ui/RecordingHost.h"
+#include "util/Prompts.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -11,6 +12,7 @@
 #include <QSet>
 #include <QStringList>
 #include <functional>
+#include <string>
 #include <utility>
 
 namespace mirabend::test {
@@ -21,6 +23,17 @@ inline void spinUntil(const std::function<bool()>& done, int timeoutMs) {
     waited.start();
     while (!done() && waited.elapsed() < timeoutMs)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+// The messages other than the notice of a silent sound track, which a test
+// machine without a sound server gets; one a line.
+inline std::string unexpectedMessages(const QList<MessageRequest>& messages) {
+    std::string text;
+    for (const MessageRequest& m : messages) {
+        if (m.icon != PromptIcon::Exclamation)
+            text += m.text.toStdString() + "\n";
+    }
+    return text;
 }
 
 class FakeRecorder final : public RecorderControl {
