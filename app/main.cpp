@@ -1,6 +1,7 @@
 // The start-up procedure of the mirabend executable: command-line modes and
 // --help/--version first, then the widget library, then the main window.
 #include "TerminationSignals.h"
+#include "recording/ui/UnfinishedRecordings.h"
 #include "shell/Mirabend_frm.h"
 #include "shell/StartUp.h"
 #include "shell/wiring/ShellWiring.h"
@@ -12,6 +13,7 @@
 #include <QIcon>
 #include <QScreen>
 #include <QStringList>
+#include <QTimer>
 #include <cstdio>
 #include <cstring>
 
@@ -97,6 +99,9 @@ int main(int argc, char** argv)
         window.context().ports.slides->openFile(presentation);
     else
         window.context().ports.slides->openSlidesStart();
+    // Recordings a crash left unfinished are repaired once the window shows.
+    QTimer::singleShot(0, &window,
+                       [&prompts, &window] { mirabend::UnfinishedRecordings(prompts).repairAll(&window); });
     // Made after the window so that it goes first: a second signal while the
     // window and the recorder wind down ends the program at once.
     mirabend::TerminationSignals terminationSignals;

@@ -145,8 +145,9 @@ int repairWavCommand(int argc, char** argv) {
             file = next;
             ++i;
         } else if (arg == "--rate") {
-            if (!parseCount(next, rate) || rate > 1000000) {
-                std::fprintf(stderr, "--rate needs a sample rate in Hz, not \"%s\"\n", next ? next : "");
+            if (!parseCount(next, rate) || rate < 8000 || rate > 192000) {
+                std::fprintf(stderr, "mirabend: --rate needs a sample rate from 8000 to 192000 Hz, not \"%s\"\n",
+                             next ? next : "");
                 return 2;
             }
             ++i;

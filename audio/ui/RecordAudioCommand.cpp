@@ -211,8 +211,9 @@ std::optional<std::string> parseRecordAudioOptions(int argc, char** argv, Record
         } else if (arg == "--rate") {
             if (auto e = value("a sample rate"))
                 return e;
-            if (!parseNumber(next, number) || number < 1 || number > 96000 || number != std::floor(number))
-                return "--rate needs a sample rate from 1 to 96000 Hz, not \"" + std::string(next) + "\"";
+            // Sound cards and servers take 8000 to 192000 Hz; anything else is a typing slip.
+            if (!parseNumber(next, number) || number < 8000 || number > 192000 || number != std::floor(number))
+                return "--rate needs a sample rate from 8000 to 192000 Hz, not \"" + std::string(next) + "\"";
             o.rate = static_cast<int>(number);
         } else if (arg == "--channels") {
             if (auto e = value("1 or 2"))

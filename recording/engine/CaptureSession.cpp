@@ -1,5 +1,7 @@
 #include "recording/engine/CaptureSession.h"
 
+#include "recording/repair/RecordingJournal.h"
+
 #include <QDateTime>
 #include <QGuiApplication>
 #include <QImage>
@@ -70,14 +72,13 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
         {"framerate", std::to_string(plan.fpsNum) + "/" + std::to_string(plan.fpsDen)},
         {"draw_mouse", target.cursor ? "1" : "0"},
     };
-    if (target.window != 0) {
+    // For a window the region is the zoomed part of it, relative to the window.
+    if (target.window != 0)
         screenOptions.push_back({"window_id", std::to_string(target.window)});
-    } else {
-        screenOptions.push_back(
-            {"video_size", std::to_string(target.region.width) + "x" + std::to_string(target.region.height)});
-        screenOptions.push_back({"grab_x", std::to_string(target.region.left)});
-        screenOptions.push_back({"grab_y", std::to_string(target.region.top)});
-    }
+    screenOptions.push_back(
+        {"video_size", std::to_string(target.region.width) + "x" + std::to_string(target.region.height)});
+    screenOptions.push_back({"grab_x", std::to_string(target.region.left)});
+    screenOptions.push_back({"grab_y", std::to_string(target.region.top)});
     std::string error;
     // The X server now and then refuses a connection right after another
     // client went away; a second try a moment later gets through.
@@ -96,7 +97,7 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
         return {RecorderError::DisplayUnavailable,
                 "the display " + display + " is not a 24/32-bit true colour screen"};
 
-    if (plan.audio.enabled && !plan.source.backend.empty()) {
+    if (plan.audio.enabled) {
         const int rate = plan.audio.sampleRate;
         const int channels = plan.audio.channels;
         DeviceInput::Options soundOptions = {{"sample_rate", std::to_string(rate)},
@@ -107,8 +108,9 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
             soundOptions.push_back({"name", "Mirabend"});
             soundOptions.push_back({"stream_name", "Screen recording"});
         }
-        std::string soundError;
-        if (m_sound.open(plan.source.backend.c_str(), plan.source.device, soundOptions, soundError)) {
+        std::string soundError = "no audio source";
+        if (!plan.source.backend.empty() &&
+            m_sound.open(plan.source.backend.c_str(), plan.source.device, soundOptions, soundError)) {
             const AVCodecParameters* p = m_sound.parameters();
             if (p->codec_id != AV_CODEC_ID_PCM_S16LE) {
                 soundError = "the audio source does not deliver 16-bit samples";
@@ -116,8 +118,16 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
                 m_haveAudio = true;
             }
         }
-        if (!m_haveAudio)
-            fail(RecorderError::AudioDeviceUnavailable, "\"" + plan.source.label + "\": " + soundError);
+        if (!m_haveAudio) {
+            // Without a source the sound track is recorded silent: a missing
+            // microphone costs the sound, not the recording or its layout.
+            m_sound.close();
+            m_soundMissing = true;
+            m_haveAudio = true;
+            if (!plan.source.backend.empty())
+                fail(RecorderError::AudioDeviceUnavailable,
+                     "\"" + plan.source.label + "\": " + soundError + "; recording silence");
+        }
     }
 
     const bool globalHeader = MuxWriter::needsGlobalHeader(plan.muxer);
@@ -125,9 +135,10 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
         return f;
     if (m_haveAudio) {
         // An audio encoder that refuses costs the sound, not the recording.
-        const AVCodecParameters* p = m_sound.parameters();
-        if (RecorderFailure f =
-                m_audioEncoder.open(plan.audio, p->sample_rate, p->ch_layout.nb_channels, globalHeader)) {
+        const AVCodecParameters* p = m_soundMissing ? nullptr : m_sound.parameters();
+        const int rate = p ? p->sample_rate : plan.audio.sampleRate;
+        const int channels = p ? p->ch_layout.nb_channels : plan.audio.channels;
+        if (RecorderFailure f = m_audioEncoder.open(plan.audio, rate, channels, globalHeader)) {
             fail(f.code, f.detail + "; recording without sound");
             m_haveAudio = false;
             m_sound.close();
@@ -136,6 +147,9 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
     if (RecorderFailure f =
             m_mux.open(plan, m_videoEncoder.context(), m_haveAudio ? m_audioEncoder.context() : nullptr))
         return f;
+    // Listed as in progress until closed: a kill or crash before that is
+    // repaired at the next start.
+    RecordingJournal().add(plan.file);
 
     // Both devices are read from now on. The recording's time starts with
     // the first frame, so the picture begins at once; sound before it is cut.
@@ -267,8 +281,8 @@ void CaptureSession::audioCaptureLoop()
 {
     const int channels = m_audioEncoder.inputChannels();
     const int rate = m_audioEncoder.inputRate();
-    bool lost = false;
-    std::int64_t nextSilence = 0;
+    bool lost = m_soundMissing;
+    std::int64_t nextSilence = m_soundMissing ? av_gettime() : 0;
     std::int64_t received = 0; // wall clock up to which sound has arrived
     for (;;) {
         if (m_ending) {
@@ -462,6 +476,7 @@ void CaptureSession::muxLoop()
     std::int64_t none = 0;
     m_endStamp.compare_exchange_strong(none, av_gettime());
     const int ret = m_mux.close();
+    RecordingJournal().remove(m_plan.file);
     if (ret < 0 && !m_writeFailed)
         fail(RecorderError::WriteFailed, "closing " + m_plan.file + " failed: " + avErrorText(ret));
     m_finished = true;

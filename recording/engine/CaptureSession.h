@@ -100,6 +100,7 @@ private:
     DeviceInput m_screen;
     DeviceInput m_sound;
     bool m_haveAudio = false;
+    bool m_soundMissing = false; // no source: the sound track is recorded silent
     int m_screenWidth = 0;
     int m_screenHeight = 0;
     VideoEncoder m_videoEncoder;

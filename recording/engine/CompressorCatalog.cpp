@@ -105,4 +105,29 @@ int CompressorCatalog::supportedSampleRate(const std::string& encoder, int wante
     return best ? best : wanted;
 }
 
+const QStringList& CompressorCatalog::h264Speeds()
+{
+    static const QStringList speeds = {QStringLiteral("ultrafast"), QStringLiteral("superfast"),
+                                       QStringLiteral("veryfast"),  QStringLiteral("faster"),
+                                       QStringLiteral("fast"),      QStringLiteral("medium")};
+    return speeds;
+}
+
+std::vector<CompressorSetting> CompressorCatalog::videoSettings(const QString& name)
+{
+    const std::string encoder = videoEncoder(name);
+    const QString automatic = QStringLiteral("Automatic");
+    if (encoder == "libx264")
+        return {{"quality", QStringLiteral("Quality (0 best, 51 smallest)"), 0, 51, 23, {}, {}},
+                {"speed", QStringLiteral("Speed"), 0, int(h264Speeds().size()) - 1, 0, {}, h264Speeds()}};
+    if (encoder == "mpeg4" || encoder == "wmv2")
+        return {{"bitrate", QStringLiteral("Bit rate (kbit/s)"), 0, 50000, 0, automatic, {}}};
+    // FFmpeg's Video 1 encoder keeps its own picture quality; what it lets
+    // choose is how often a whole picture is coded, which keeps moving
+    // content clean.
+    if (encoder == "msvideo1")
+        return {{"keyframes", QStringLiteral("Quality: a whole picture every (frames)"), 0, 300, 0, automatic, {}}};
+    return {};
+}
+
 } // namespace mirabend

@@ -5,7 +5,9 @@
 // Thread contract: stateless; any thread.
 
 #include <QStringList>
+#include <map>
 #include <string>
+#include <vector>
 
 namespace mirabend {
 
@@ -13,6 +15,20 @@ struct VideoCodecLimits {
     std::string pixelFormat; // what the encoder takes
     int sizeMultiple = 2;    // width and height are rounded down to this
 };
+
+// One setting on a compressor's settings page.
+struct CompressorSetting {
+    std::string key;     // "quality", "speed", "bitrate", "keyframes"
+    QString label;       // as the page shows it
+    int minimum = 0;
+    int maximum = 0;
+    int value = 0;       // the default
+    QString automatic;   // shown for `minimum` when it means "the recorder chooses"
+    QStringList choices; // when not empty, the value is an index into these
+};
+
+// Values of a compressor's settings by key; a key left out keeps the default.
+using CompressorSettingValues = std::map<std::string, int>;
 
 class CompressorCatalog {
 public:
@@ -27,6 +43,11 @@ public:
     // The nearest sample rate the audio encoder accepts (the first one above
     // `wanted` when there is no exact match).
     static int supportedSampleRate(const std::string& encoder, int wanted);
+    // The settings page of a video compressor from the list; empty for one
+    // without real settings ("No property page").
+    static std::vector<CompressorSetting> videoSettings(const QString& name);
+    // The x264 speed presets the H.264 page offers, fastest first.
+    static const QStringList& h264Speeds();
 };
 
 } // namespace mirabend

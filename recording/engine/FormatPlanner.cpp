@@ -16,6 +16,26 @@ namespace {
 
 constexpr int kMaxSide = 8192;
 
+// What the compressor's settings page chose (CompressorCatalog::videoSettings).
+void applyCompressorSettings(const std::string& encoder, const CompressorSettingValues& values, VideoTarget& video)
+{
+    const auto value = [&values](const char* key) {
+        const auto found = values.find(key);
+        return found == values.end() ? -1 : found->second;
+    };
+    if (encoder == "libx264") {
+        if (value("quality") >= 0)
+            video.quality = std::min(51, value("quality"));
+        const int speed = value("speed");
+        if (speed >= 0 && speed < CompressorCatalog::h264Speeds().size())
+            video.preset = CompressorCatalog::h264Speeds().at(speed).toStdString();
+    } else if ((encoder == "mpeg4" || encoder == "wmv2") && value("bitrate") > 0) {
+        video.bitRate = std::int64_t(value("bitrate")) * 1000;
+    } else if (encoder == "msvideo1" && value("keyframes") > 0) {
+        video.keyframeInterval = value("keyframes");
+    }
+}
+
 RecorderFailure bad(const QString& what)
 {
     return {RecorderError::BadSetting, what.toStdString()};
@@ -161,6 +181,7 @@ RecorderFailure FormatPlanner::plan(const RecorderSettings& s, int captureW, int
             out.video.hardwareWanted = s.hardware;
         else if (video != "msvideo1")
             out.video.bitRate = defaultVideoBitrate(out.video.width, out.video.height, s.frameRate);
+        applyCompressorSettings(video, s.videoCompressorSettings, out.video);
         std::string audio = CompressorCatalog::audioEncoder(s.audioCompressor);
         if (audio.empty())
             audio = "pcm_s16le";
@@ -230,6 +251,7 @@ RecorderFailure FormatPlanner::plan(const RecorderSettings& s, int captureW, int
                                  CompressorCatalog::limits("libx264"), out.video)))
             return failure;
         out.video.hardwareWanted = s.hardware;
+        applyCompressorSettings("libx264", s.h264Settings, out.video);
         failure = chooseAudio("aac", 48000, 2, 128000, out.audio);
         break;
     }

@@ -7,6 +7,7 @@
 //
 // Thread contract: stateless; any thread.
 
+#include "recording/engine/CompressorCatalog.h"
 #include "recording/engine/RecorderTypes.h"
 #include "recording/engine/RecordingPlan.h"
 
@@ -40,6 +41,8 @@ struct RecorderSettings {
     int outWidth = 0;
     int outHeight = 0;
     bool audio = true;
+    CompressorSettingValues videoCompressorSettings; // of the AVI video compressor
+    CompressorSettingValues h264Settings;            // for MP4 and Matroska
 };
 
 class FormatPlanner {

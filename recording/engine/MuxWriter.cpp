@@ -47,15 +47,18 @@ RecorderFailure MuxWriter::open(const RecordingPlan& plan, const AVCodecContext*
     Dictionary options;
     if (plan.liveSafe) {
         // A file cut off by a crash or a kill still plays up to its last
-        // fragment or cluster (about a second).
+        // fragment or cluster (half a second).
         if (plan.format == OutputFormatCode::Mp4) {
             options.set("movflags", "frag_keyframe+empty_moov+default_base_moof");
-            options.set("frag_duration", "1000000");
+            options.set("frag_duration", "500000");
         } else {
-            options.set("cluster_time_limit", "1000");
+            options.set("cluster_time_limit", "500");
         }
-        options.set("flush_packets", "1");
     }
+    // Every packet reaches the file at once: a recording killed mid-way
+    // loses at most what the interleaver holds, and the repair at the next
+    // start has the rest.
+    options.set("flush_packets", "1");
     ret = avformat_write_header(m_context.get(), options.slot());
     if (ret < 0) {
         // Leave no empty file behind for a recording that never started.

@@ -31,9 +31,9 @@ private:
 class CompressorList : public NamedList {
 public:
     using NamedList::NamedList;
-    // Shows the settings page of a compressor. The recorder's compressors
-    // are set through its properties and have no page of their own, so the
-    // answer is always false.
+    // Shows the settings page of a compressor. The recorder draws no
+    // windows: the options window shows the pages CompressorCatalog::
+    // videoSettings describes, so the answer here is always false.
     bool ShowPropertyPage(int index) const
     {
         (void)index;

@@ -11,8 +11,10 @@ extern "C" {
 #include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QImageReader>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -86,10 +88,18 @@ struct Options {
     bool listCodecs = false;
 };
 
+// A bad command line gets one line that names the option and the reason.
 int usage(const char* problem)
 {
-    std::fprintf(stderr, "mirabend: %s\n%s\n%s", problem, kRecordScreenTool.synopsis, kRecordScreenTool.help);
+    std::fprintf(stderr, "mirabend: %s\n", problem);
     return 2;
+}
+
+bool positiveNumber(const QString& text)
+{
+    bool ok = false;
+    const double value = text.toDouble(&ok);
+    return ok && value > 0 && std::isfinite(value);
 }
 
 bool parseSize(const QString& text, int& w, int& h)
@@ -130,33 +140,49 @@ QString parse(int argc, char** argv, Options& o)
         } else if (arg == QLatin1String("--hardware")) {
             o.hardware = true;
         } else if (!value(v)) {
-            return QStringLiteral("unknown option or missing value: %1").arg(arg);
+            static const QStringList valued = {
+                QStringLiteral("--seconds"),       QStringLiteral("--format"),        QStringLiteral("--fps"),
+                QStringLiteral("--size"),          QStringLiteral("--region"),        QStringLiteral("--window"),
+                QStringLiteral("--audio-device"),  QStringLiteral("--video-codec"),   QStringLiteral("--audio-codec"),
+                QStringLiteral("--video-bitrate"), QStringLiteral("--audio-bitrate"), QStringLiteral("--date-format"),
+                QStringLiteral("--text"),          QStringLiteral("--image")};
+            return valued.contains(arg) ? QStringLiteral("%1 needs a value").arg(arg)
+                                        : QStringLiteral("unknown option %1 (see mirabend --help)").arg(arg);
         } else if (arg == QLatin1String("--seconds")) {
             bool ok = false;
             o.seconds = v.toDouble(&ok);
             if (!ok || o.seconds <= 0)
-                return QStringLiteral("--seconds wants a positive number, not \"%1\"").arg(v);
+                return QStringLiteral("--seconds: \"%1\" is not a positive number of seconds").arg(v);
         } else if (arg == QLatin1String("--format")) {
             o.format = FormatPlanner::formatForFile(QStringLiteral("x.") + v);
             if (o.format < 0)
-                return QStringLiteral("unknown format \"%1\" (avi, wmv, flv, swf, mp4, mkv)").arg(v);
+                return QStringLiteral("--format: unknown format \"%1\" (avi, wmv, flv, swf, mp4, mkv)")
+                    .arg(v);
         } else if (arg == QLatin1String("--fps")) {
             bool ok = false;
             o.fps = v.toDouble(&ok);
             if (!ok)
-                return QStringLiteral("--fps wants a number, not \"%1\"").arg(v);
+                return QStringLiteral("--fps: \"%1\" is not a number").arg(v);
+            if (!(o.fps >= 1 && o.fps <= 240))
+                return QStringLiteral("--fps: %1 is not a frame rate from 1 to 240").arg(v);
         } else if (arg == QLatin1String("--size")) {
             if (!parseSize(v, o.width, o.height))
-                return QStringLiteral("--size wants WxH, not \"%1\"").arg(v);
+                return QStringLiteral("--size: \"%1\" is not a picture size WxH with both sides above 0")
+                    .arg(v);
         } else if (arg == QLatin1String("--region")) {
             const QStringList parts = v.split(QLatin1Char(','));
             bool ok = parts.size() == 4;
             for (int k = 0; ok && k < 4; ++k)
                 o.region[k] = parts[k].trimmed().toInt(&ok);
             if (!ok || o.region[2] <= 0 || o.region[3] <= 0)
-                return QStringLiteral("--region wants X,Y,W,H, not \"%1\"").arg(v);
+                return QStringLiteral("--region: \"%1\" is not X,Y,W,H with a width and height above 0")
+                    .arg(v);
             o.haveRegion = true;
         } else if (arg == QLatin1String("--window")) {
+            bool ok = false;
+            v.toULongLong(&ok, 0);
+            if (!ok)
+                return QStringLiteral("--window: \"%1\" is not a window id").arg(v);
             o.window = v;
         } else if (arg == QLatin1String("--audio-device")) {
             o.audioDevice = v;
@@ -164,21 +190,21 @@ QString parse(int argc, char** argv, Options& o)
             o.videoCodec = v;
         } else if (arg == QLatin1String("--audio-codec")) {
             o.audioCodec = v;
-        } else if (arg == QLatin1String("--video-bitrate")) {
-            o.videoBitrate = v;
-        } else if (arg == QLatin1String("--audio-bitrate")) {
-            o.audioBitrate = v;
+        } else if (arg == QLatin1String("--video-bitrate") || arg == QLatin1String("--audio-bitrate")) {
+            if (!positiveNumber(v))
+                return QStringLiteral("%1: \"%2\" is not a positive bit rate").arg(arg, v);
+            (arg == QLatin1String("--video-bitrate") ? o.videoBitrate : o.audioBitrate) = v;
         } else if (arg == QLatin1String("--date-format")) {
             bool ok = false;
             o.dateFormat = v.toInt(&ok);
             if (!ok || o.dateFormat < 0 || o.dateFormat > 18)
-                return QStringLiteral("--date-format wants 0 to 18, not \"%1\"").arg(v);
+                return QStringLiteral("--date-format: \"%1\" is not a format number from 0 to 18").arg(v);
         } else if (arg == QLatin1String("--text")) {
             o.text = v;
         } else if (arg == QLatin1String("--image")) {
             o.image = v;
         } else {
-            return QStringLiteral("unknown option %1").arg(arg);
+            return QStringLiteral("unknown option %1 (see mirabend --help)").arg(arg);
         }
     }
     return {};
@@ -249,7 +275,8 @@ QString configure(Screen2Video& r, const Options& o)
         const int number = o.audioDevice.toInt(&isNumber);
         const int index = isNumber ? number : r.AudioDevices().FindByName(o.audioDevice);
         if (index < 0 || index >= r.AudioDevices().Count())
-            return QStringLiteral("no audio device \"%1\" (see --list-devices)").arg(o.audioDevice);
+            return QStringLiteral("--audio-device: no audio device \"%1\" (see --list-devices)")
+                .arg(o.audioDevice);
         r.SelectAudioDevice(index);
     }
     const OutputFormatCode format = OutputFormatCode(o.format);
@@ -266,9 +293,9 @@ QString configure(Screen2Video& r, const Options& o)
         const int vi = r.VideoCompressors().FindByName(video);
         const int ai = r.AudioCompressors().FindByName(audio);
         if (vi < 0)
-            return QStringLiteral("no video compressor \"%1\" (see --list-codecs)").arg(video);
+            return QStringLiteral("--video-codec: no video compressor \"%1\" (see --list-codecs)").arg(video);
         if (ai < 0)
-            return QStringLiteral("no audio compressor \"%1\" (see --list-codecs)").arg(audio);
+            return QStringLiteral("--audio-codec: no audio compressor \"%1\" (see --list-codecs)").arg(audio);
         r.VideoCompressorIndex(vi);
         r.AudioCompressorIndex(ai);
         r.AviUseVideoCompressor(true);
@@ -329,11 +356,20 @@ QString configure(Screen2Video& r, const Options& o)
         r.ShowText(true);
     }
     if (!o.image.isEmpty()) {
-        if (!QFileInfo(o.image).isFile())
-            return QStringLiteral("no image file %1").arg(o.image);
         r.Image(o.image, 0, 10, 120, 0);
         r.ShowImage(true);
     }
+    return {};
+}
+
+// Checked before the devices are listed, so the answer stays one line.
+QString imageProblem(const QString& file)
+{
+    if (!QFileInfo(file).isFile())
+        return QStringLiteral("--image: there is no file %1").arg(file);
+    QImageReader reader(file);
+    if (!reader.canRead())
+        return QStringLiteral("--image: %1 is not an image (%2)").arg(file, reader.errorString());
     return {};
 }
 
@@ -355,11 +391,15 @@ int runRecordScreen(int argc, char** argv)
     if (!problem.isEmpty())
         return usage(qPrintable(problem));
     if (o.file.isEmpty() && !o.listDevices && !o.listCodecs)
-        return usage("--record-screen wants a file name");
+        return usage("--record-screen needs a file name");
     if (o.format < 0 && !o.file.isEmpty()) {
         o.format = FormatPlanner::formatForFile(o.file);
         if (o.format < 0)
-            return usage("cannot tell the format from the file name; give --format");
+            return usage(qPrintable(
+                QStringLiteral(
+                    "--record-screen: unknown extension \"%1\" (avi, wmv, flv, swf, mp4, mkv; or give "
+                    "--format)")
+                    .arg(QFileInfo(o.file).suffix())));
     }
     // Text stamps need a QGuiApplication; no window is shown.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
@@ -369,6 +409,11 @@ int runRecordScreen(int argc, char** argv)
     // FFmpeg's chatter is for developers; failures are reported below.
     av_log_set_level(qEnvironmentVariableIsSet("MIRABEND_FFMPEG_LOG") ? AV_LOG_INFO : AV_LOG_ERROR);
 
+    if (!o.image.isEmpty()) {
+        const QString imageError = imageProblem(o.image);
+        if (!imageError.isEmpty())
+            return usage(qPrintable(imageError));
+    }
     Screen2Video recorder;
     if (o.listDevices || o.listCodecs) {
         list(recorder, o);
@@ -376,10 +421,8 @@ int runRecordScreen(int argc, char** argv)
             return 0;
     }
     const QString setupProblem = configure(recorder, o);
-    if (!setupProblem.isEmpty()) {
-        std::fprintf(stderr, "mirabend: %s\n", qPrintable(setupProblem));
-        return 2;
-    }
+    if (!setupProblem.isEmpty())
+        return usage(qPrintable(setupProblem));
 
     struct sigaction action {};
     action.sa_handler = onStopSignal;

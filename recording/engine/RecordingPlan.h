@@ -15,7 +15,7 @@ namespace mirabend {
 struct CaptureTarget {
     std::string display;      // X display name, "" for $DISPLAY
     std::uint32_t window = 0; // X11 window id, 0 for the screen
-    ScreenRect region;        // the screen area (or the window's size with left/top 0)
+    ScreenRect region;        // the screen area, or the part of the window (relative to it)
     bool cursor = false;
 };
 
@@ -27,6 +27,9 @@ struct VideoTarget {
     std::int64_t bitRate = 0; // 0: the encoder's own rate control
     int gopSize = 0;          // frames between key frames
     bool hardwareWanted = false;
+    int quality = -1;         // H.264 constant rate factor; -1: the recorder's choice
+    std::string preset;       // H.264 speed preset; "": the fastest
+    int keyframeInterval = 0; // Microsoft Video 1: frames between whole pictures; 0: the encoder's
 };
 
 struct AudioTarget {

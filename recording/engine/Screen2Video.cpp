@@ -7,6 +7,8 @@
 #include "recording/engine/FormatPlanner.h"
 #include "recording/engine/WmvProfile.h"
 
+#include <algorithm>
+
 namespace mirabend {
 
 namespace {
@@ -29,11 +31,11 @@ bool parseWindow(const QString& text, std::uint32_t& window)
     return true;
 }
 
-// Colours arrive as the options window's 32-bit values: red in the low
-// byte, then green, then blue (0x00BBGGRR).
+// Colours arrive as the options window hands them: 0x00RRGGBB, as QRgb
+// without its alpha byte.
 QColor colorOf(unsigned rgb)
 {
-    return QColor(int(rgb & 0xff), int((rgb >> 8) & 0xff), int((rgb >> 16) & 0xff));
+    return QColor(int((rgb >> 16) & 0xff), int((rgb >> 8) & 0xff), int(rgb & 0xff));
 }
 
 } // namespace
@@ -156,6 +158,10 @@ void Screen2Video::TextFontName(const QString& name, int)
 {
     m_overlay->update([&](OverlaySettings& s) { s.textFontName = name; });
 }
+void Screen2Video::TextFontStyle(int styleIndex)
+{
+    m_overlay->update([&](OverlaySettings& s) { s.textFontStyle = styleIndex; });
+}
 void Screen2Video::TextFontSize(int size, int)
 {
     m_overlay->update([&](OverlaySettings& s) { s.textFontSize = size; });
@@ -207,6 +213,26 @@ OverlaySettings Screen2Video::Overlay() const
     return m_overlay->snapshot();
 }
 
+int Screen2Video::VideoCompressorSetting(const QString& compressor, const std::string& key) const
+{
+    const auto values = m_compressorSettings.find(compressor);
+    if (values != m_compressorSettings.end()) {
+        const auto value = values->second.find(key);
+        if (value != values->second.end())
+            return value->second;
+    }
+    for (const CompressorSetting& setting : CompressorCatalog::videoSettings(compressor)) {
+        if (setting.key == key)
+            return setting.value;
+    }
+    return -1;
+}
+
+void Screen2Video::VideoCompressorSetting(const QString& compressor, const std::string& key, int value)
+{
+    m_compressorSettings[compressor][key] = value;
+}
+
 // ---- recording --------------------------------------------------------------
 
 void Screen2Video::remember(const RecorderFailure& failure)
@@ -239,6 +265,24 @@ RecordingPlan Screen2Video::plan(RecorderFailure& failure) const
             return out;
         }
         out.capture.region = ScreenRect{0, 0, w, h};
+        if (!m_zoom.isEmpty()) {
+            // The zoom rectangle is taken relative to the recorded window;
+            // one reaching past it (the whole screen after a zoom out) is
+            // cut to the window.
+            const int left = std::max(0, m_zoom.left);
+            const int top = std::max(0, m_zoom.top);
+            const int right = std::min(w, m_zoom.left + m_zoom.width);
+            const int bottom = std::min(h, m_zoom.top + m_zoom.height);
+            if (right <= left || bottom <= top) {
+                failure = {RecorderError::BadSetting,
+                           "zoom rectangle " + std::to_string(m_zoom.left) + "," + std::to_string(m_zoom.top) +
+                               " " + std::to_string(m_zoom.width) + "x" + std::to_string(m_zoom.height) +
+                               " lies outside the recorded " + std::to_string(w) + "x" + std::to_string(h) +
+                               " window"};
+                return out;
+            }
+            out.capture.region = ScreenRect{left, top, right - left, bottom - top};
+        }
     } else if (m_zoom.isEmpty()) {
         out.capture.region = ScreenRect{0, 0, screenW, screenH};
     } else {
@@ -278,6 +322,12 @@ RecordingPlan Screen2Video::plan(RecorderFailure& failure) const
     s.outWidth = m_outWidth;
     s.outHeight = m_outHeight;
     s.audio = m_audioEnabled;
+    const auto settings = m_compressorSettings.find(s.videoCompressor);
+    if (settings != m_compressorSettings.end())
+        s.videoCompressorSettings = settings->second;
+    const auto h264 = m_compressorSettings.find(QStringLiteral("H.264"));
+    if (h264 != m_compressorSettings.end())
+        s.h264Settings = h264->second;
     failure = FormatPlanner::plan(s, out.capture.region.width, out.capture.region.height, out);
     return out;
 }
@@ -302,11 +352,12 @@ bool Screen2Video::StartCapture()
     if (recording.audio.enabled) {
         const auto& devices = m_devices->devices();
         if (m_audioDevice < 0 || m_audioDevice >= int(devices.size())) {
+            // The sound track is kept, silent, so the file has the same
+            // streams whatever the machine offers.
             remember({RecorderError::AudioDeviceUnavailable,
-                      devices.empty() ? "no audio source found; recording without sound"
+                      devices.empty() ? "no audio source found; recording silence"
                                       : "audio device " + std::to_string(m_audioDevice) +
-                                            " is not in the list; recording without sound"});
-            recording.audio.enabled = false;
+                                            " is not in the list; recording silence"});
         } else {
             const AudioDeviceInfo& d = devices[std::size_t(m_audioDevice)];
             recording.source.backend = d.backend;

@@ -13,12 +13,14 @@
 // own, started by StartCapture() and joined by StopCapture(), WaitForFinish()
 // or the destructor.
 
+#include "recording/engine/CompressorCatalog.h"
 #include "recording/engine/NamedList.h"
 #include "recording/engine/OverlayBoard.h"
 #include "recording/engine/RecorderTypes.h"
 
 #include <QString>
 #include <QStringList>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -91,6 +93,11 @@ public:
     const CompressorList& AudioCompressors() const { return m_audioCompressors; }
     int AudioCompressorIndex() const { return m_audioCompressor; }
     void AudioCompressorIndex(int index) { m_audioCompressor = index; }
+    // A video compressor's settings page (CompressorCatalog::videoSettings):
+    // values by compressor name and setting key, used by every recording with
+    // that compressor (the "H.264" ones also for MP4 and Matroska).
+    int VideoCompressorSetting(const QString& compressor, const std::string& key) const;
+    void VideoCompressorSetting(const QString& compressor, const std::string& key, int value);
 
     // AVI. The two switches are kept for the options window; a compressor is
     // always used, since AVI without one would be raw video.
@@ -145,6 +152,7 @@ public:
     void OutputHeight(int h) { m_outHeight = h; }
 
     // ---- overlays (drawn onto every frame; changes apply at once) ----------
+    // Colours are 0x00RRGGBB.
     void ShowDateTime(bool on);
     void DateTimeLayout(int formatIndex, int left, int top);
     void DateTimeColor(unsigned rgb);
@@ -155,6 +163,7 @@ public:
     void Text(const QString& text, int left, int top, int extra = 0);
     void TextFontName(const QString& name, int extra = 0);
     void TextFontSize(int size, int extra = 0);
+    void TextFontStyle(int styleIndex); // list index: Regular, Bold, Italic, BoldItalic, Underline
     void TextStyle(int styleIndex, int extra = 0);
     void TextColor(unsigned rgb);
     void TextOutlineColors(unsigned border, unsigned fill);
@@ -231,6 +240,7 @@ private:
     CompressorList m_audioCompressors;
     int m_videoCompressor = 0;
     int m_audioCompressor = 0;
+    std::map<QString, CompressorSettingValues> m_compressorSettings;
 
     bool m_aviUseVideoCompressor = true;
     bool m_aviUseAudioCompressor = true;

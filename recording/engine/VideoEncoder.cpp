@@ -87,11 +87,15 @@ bool VideoEncoder::openSoftware(const RecordingPlan& plan, bool globalHeader, st
     }
     Dictionary options;
     if (plan.video.encoder == "libx264") {
-        options.set("preset", "ultrafast");
+        options.set("preset", plan.video.preset.empty() ? "ultrafast" : plan.video.preset.c_str());
         // Screen content: a constant quality instead of a bitrate guess.
-        if (plan.video.bitRate <= 0)
+        if (plan.video.quality >= 0)
+            options.set("crf", std::to_string(plan.video.quality).c_str());
+        else if (plan.video.bitRate <= 0)
             options.set("crf", "23");
     }
+    if (plan.video.encoder == "msvideo1" && plan.video.keyframeInterval > 0)
+        c->keyint_min = plan.video.keyframeInterval;
     if (plan.video.encoder == "mjpeg")
         c->color_range = AVCOL_RANGE_JPEG;
     const int ret = avcodec_open2(c.get(), codec, options.slot());

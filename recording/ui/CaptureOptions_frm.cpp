@@ -78,6 +78,7 @@ void CaptureOptions_frm::setDevices() {
     // Filling the style list switched colour fields on; the overlay fields
     // follow the master switch until the user turns it on.
     m_overlay->chkuseoverlay_Click();
+    m_overlay->handColours();
 }
 
 void CaptureOptions_frm::setDefaultArea(int width, int height) {

@@ -1,6 +1,9 @@
 #include "recording/ui/EngineRecorder.h"
 
 #include "recording/overlay/OverlayChoices.h"
+#include "recording/ui/CompressorSettingsDialog.h"
+
+#include <QApplication>
 
 namespace mirabend {
 
@@ -24,8 +27,9 @@ RecordingFailure EngineRecorder::translate(const RecorderFailure& failure) {
     const std::string& detail = failure.detail;
     switch (failure.code) {
     case RecorderError::None:
-    case RecorderError::AudioDeviceUnavailable:
         return {};
+    case RecorderError::AudioDeviceUnavailable:
+        return {RecordingError::SoundMissing, detail};
     case RecorderError::BadSetting:
     case RecorderError::DisplayUnavailable:
     case RecorderError::WindowNotFound:
@@ -50,14 +54,20 @@ RecordingFailure EngineRecorder::translate(const RecorderFailure& failure) {
 void EngineRecorder::collect() const {
     for (const RecorderFailure& f : m_engine->TakeFailures()) {
         const RecordingFailure mapped = translate(f);
-        if (mapped && !m_failure)
+        if (isSoundNotice(mapped.code)) {
+            if (!m_soundNotice && !m_soundTold)
+                m_soundNotice = mapped;
+        } else if (mapped && !m_failure) {
             m_failure = mapped;
+        }
     }
 }
 
 bool EngineRecorder::StartCapture() {
     m_engine->TakeFailures(); // what the last recording left behind is told already
     m_failure = {};
+    m_soundNotice = {};
+    m_soundTold = false;
     m_started = m_engine->StartCapture();
     if (!m_started) {
         collect();
@@ -84,6 +94,15 @@ RecordingFailure EngineRecorder::failure() const {
     if (!m_failure && m_started && !m_engine->IsCapturing())
         m_failure = {RecordingError::WriteFailed, "the recorder stopped by itself"};
     return m_failure;
+}
+
+RecordingFailure EngineRecorder::takeSoundNotice() {
+    collect();
+    const RecordingFailure notice = m_soundNotice;
+    // Told once: later notices of the same capture are not handed out again.
+    m_soundTold = m_soundTold || notice;
+    m_soundNotice = {};
+    return notice;
 }
 
 void EngineRecorder::PauseCapture() {
@@ -140,7 +159,19 @@ void EngineRecorder::AudioCompressorIndex(int index) {
     m_engine->AudioCompressorIndex(index);
 }
 bool EngineRecorder::showVideoCompressorSettings(int index) {
-    return m_engine->VideoCompressors().ShowPropertyPage(index);
+    const QString name = m_engine->VideoCompressors().Item(index);
+    const std::vector<CompressorSetting> settings = CompressorCatalog::videoSettings(name);
+    if (settings.empty())
+        return false;
+    CompressorSettingValues current;
+    for (const CompressorSetting& setting : settings)
+        current[setting.key] = m_engine->VideoCompressorSetting(name, setting.key);
+    CompressorSettingsDialog page(name, settings, current, QApplication::activeWindow());
+    if (page.exec() == QDialog::Accepted) {
+        for (const auto& [key, value] : page.values())
+            m_engine->VideoCompressorSetting(name, key, value);
+    }
+    return true;
 }
 
 void EngineRecorder::AviSwitches(bool on) {
@@ -252,7 +283,8 @@ void EngineRecorder::Text(const QString& text, int left, int top, int reserved) 
     m_engine->Text(text, left, top, reserved);
 }
 void EngineRecorder::TextFontName(const QString& family, int styleIndex) {
-    m_engine->TextFontName(family, styleIndex);
+    m_engine->TextFontName(family);
+    m_engine->TextFontStyle(styleIndex);
 }
 void EngineRecorder::TextFontSize(int points, int reserved) {
     m_engine->TextFontSize(points, reserved);

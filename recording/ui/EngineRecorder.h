@@ -23,10 +23,14 @@ public:
 
     Screen2Video& engine() { return *m_engine; }
 
-    // How a failure of the engine reads for the session; None for what the
-    // engine survives on its own (recording on without a missing sound
-    // device). Public so the mapping can be checked without a recording.
+    // How a failure of the engine reads for the session; the sound problems
+    // the engine survives by recording silence read as SoundMissing and
+    // AudioSourceLost, which are notices, not failures (isSoundNotice).
+    // Public so the mapping can be checked without a recording.
     static RecordingFailure translate(const RecorderFailure& failure);
+    static bool isSoundNotice(RecordingError code) {
+        return code == RecordingError::SoundMissing || code == RecordingError::AudioSourceLost;
+    }
 
     void CaptureWindowHandle(const QString& handle) override;
     void CaptureMouseCursor(int checked) override;
@@ -64,6 +68,7 @@ public:
     void ResumeCapture() override;
     void addChapter(const QString& title) override;
     RecordingFailure failure() const override;
+    RecordingFailure takeSoundNotice() override;
     QStringList audioDevices() const override;
     void SelectAudioDevice(int index) override;
     QStringList audioInputPins() const override;
@@ -98,6 +103,8 @@ private:
     std::unique_ptr<Screen2Video> m_engine;
     bool m_started = false;
     mutable RecordingFailure m_failure;
+    mutable RecordingFailure m_soundNotice;
+    mutable bool m_soundTold = false;
 };
 
 } // namespace mirabend

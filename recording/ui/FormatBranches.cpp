@@ -7,6 +7,7 @@
 #include "recording/ui/RecorderControl.h"
 #include "util/ProgramFolder.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QLineEdit>
@@ -67,6 +68,14 @@ BranchResult FormatBranches::wmv(int filterIndex) {
     m_recorder.WmvSwitch(true);
     BranchResult result;
     if (m_format.optdefaultprofile->isChecked()) {
+        // The profile in force is the one cboWMV shows: a chosen profile
+        // file, or else the system profile by name, never a file left over
+        // from an earlier recording.
+        if (m_format.chkProfileFile->isChecked() && !m_format.cboWMV->currentText().isEmpty()) {
+            m_recorder.WmvProfileFile(m_format.cboWMV->currentText());
+            return result;
+        }
+        m_recorder.WmvProfileFile(QString());
         const int listIndex = m_format.cboWMV->currentIndex();
         if (listIndex >= 0) {
             const int profile = m_recorder.findWmvSystemProfile(m_format.cboWMV->itemText(listIndex));

@@ -158,6 +158,7 @@ OverlayOptions::OverlayOptions(RecorderControl& recorder, Prompts& prompts, QWid
     swatch(cmdoutlineback, m_outlineFill);
     swatch(cmdhashforecolor, m_hatchFore);
     swatch(cmdhashbackcolor, m_hatchBack);
+    swatch(cmdimagetrancolor, m_imageTransparent);
 
     using Box = QComboBox;
     const auto onIndex = [this](Box* box, void (OverlayOptions::*handler)()) {
@@ -232,6 +233,17 @@ void OverlayOptions::fillDateAndFontLists() {
         names->addItems(options::fontNames());
         names->setCurrentIndex(0);
     }
+}
+
+void OverlayOptions::setImageTransparentColour(const QColor& colour) {
+    m_imageTransparent = colour;
+    swatch(cmdimagetrancolor, m_imageTransparent);
+}
+
+void OverlayOptions::handColours() {
+    m_recorder.DateColor(m_dateColour.rgb());
+    handTextColours();
+    handHatch();
 }
 
 void OverlayOptions::swatch(QPushButton* button, const QColor& colour) {
@@ -465,7 +477,7 @@ void OverlayOptions::Command4_Click() {
 
 void OverlayOptions::cmdimagetrancolor_Click() {
     if (const auto colour = askColour(m_imageTransparent, QStringLiteral("Transparent colour"))) {
-        m_imageTransparent = *colour;
+        setImageTransparentColour(*colour);
         cmddrawimage_Click();
     }
 }

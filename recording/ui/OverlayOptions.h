@@ -30,7 +30,9 @@ public:
     // first choices; the image's transparent colour becomes black.
     void fillTextLists();
     void fillDateAndFontLists();
-    void setImageTransparentColour(const QColor& colour) { m_imageTransparent = colour; }
+    void setImageTransparentColour(const QColor& colour);
+    // Hands every colour the swatches show to the recorder.
+    void handColours();
 
     void chkuseoverlay_Click();
     void chkshowdatetime_Click();
@@ -109,8 +111,10 @@ private:
 
     RecorderControl& m_recorder;
     Prompts& m_prompts;
-    QColor m_dateColour = Qt::white;
-    QColor m_solidColour = Qt::white;
+    // The swatches show these and setDevices hands them to the recorder, so
+    // what the buttons show is what is drawn before any colour is picked.
+    QColor m_dateColour = Qt::black;
+    QColor m_solidColour = Qt::black;
     QColor m_outlineBorder = Qt::black;
     QColor m_outlineFill = Qt::white;
     QColor m_hatchFore = Qt::black;

@@ -23,7 +23,8 @@ enum class RecordingError {
     None,
     StartRefused,    // the capture could not be started (device, codec, file)
     DiskFull,        // writing the output file ran out of space
-    AudioSourceLost, // the sound source went away during the capture
+    AudioSourceLost, // the sound source went away during the capture (silence is recorded on)
+    SoundMissing,    // no sound source at the start (the sound track is recorded silent)
     WriteFailed,     // any other failure while encoding or writing
 };
 
@@ -91,6 +92,9 @@ public:
     virtual void addChapter(const QString& title) { (void)title; }
     // The first failure of the current (or last) capture; None while all is well.
     virtual RecordingFailure failure() const = 0;
+    // A sound problem the capture lives through by recording silence
+    // (SoundMissing, AudioSourceLost); each is handed out once.
+    virtual RecordingFailure takeSoundNotice() { return {}; }
 
     // --- Devices and screen --------------------------------------------------------------------------
     virtual QStringList audioDevices() const = 0;

@@ -26,6 +26,7 @@ namespace {
 
 constexpr int kTickMs = 50;
 constexpr int kToolbarRecordButton = 12;
+constexpr int kSoundPanel = 3; // says when the sound track is recorded silent
 constexpr qint64 kDayMs = 24LL * 60 * 60 * 1000;
 
 QTimer* makeTimer(const char* name, QObject* parent) {
@@ -211,8 +212,26 @@ void RecordingSession::wait_Timer_Timer() {
     }
     m_captureRunning = true;
     m_host.setStatusPanel(1, text(kRecording));
+    m_host.setStatusPanel(kSoundPanel, QString());
     Timer2->start();
     setState(State::Recording);
+    tellSoundNotice();
+}
+
+void RecordingSession::tellSoundNotice() {
+    const RecordingFailure notice = m_recorder.takeSoundNotice();
+    if (!notice)
+        return;
+    const bool missing = notice.code == RecordingError::SoundMissing;
+    m_host.setStatusPanel(kSoundPanel, missing ? QStringLiteral("No sound device: recording silence")
+                                               : QStringLiteral("Sound source lost: recording silence"));
+    QString message = missing ? QStringLiteral("No sound device is available. The recording goes on with "
+                                               "silence in its sound track.")
+                              : QStringLiteral("The sound source is no longer available. The recording goes "
+                                               "on; its sound is silent from this moment.");
+    if (!notice.detail.empty())
+        message += QStringLiteral("\n\n") + QString::fromStdString(notice.detail);
+    m_prompts.show(message, text(options::kMessageTitle), PromptIcon::Exclamation);
 }
 
 void RecordingSession::Timer2_Timer() {
@@ -220,6 +239,7 @@ void RecordingSession::Timer2_Timer() {
         failRecording(failure);
         return;
     }
+    tellSoundNotice();
     const QDateTime now = m_clock.now();
     const qint64 totalMs = m_startTime.msecsTo(now);
     const qint64 netMs = totalMs - m_pausedTotalMs;
@@ -301,11 +321,9 @@ QString RecordingSession::failureText(const RecordingFailure& failure) {
         text = QStringLiteral("The disk is full. The recording was stopped; the file holds everything "
                               "recorded up to this moment.");
         break;
-    case RecordingError::AudioSourceLost:
-        text = QStringLiteral("The sound source is no longer available. The recording was stopped; the "
-                              "file holds everything recorded up to this moment.");
-        break;
     case RecordingError::WriteFailed:
+    case RecordingError::AudioSourceLost: // a notice, not a failure (see tellSoundNotice)
+    case RecordingError::SoundMissing:
     case RecordingError::None:
         text = QStringLiteral("The recording failed and was stopped; the file holds everything recorded "
                               "up to this moment.");

@@ -93,6 +93,9 @@ private:
     // stopped look and tells the user once.
     void failRecording(RecordingFailure failure);
     static QString failureText(const RecordingFailure& failure);
+    // A missing or vanished sound source: the capture goes on with silence;
+    // the status bar says so and one message tells the user.
+    void tellSoundNotice();
 
     RecordingHost& m_host;
     RecorderControl& m_recorder;

@@ -2,6 +2,7 @@
 
 #include "audio/ui/AudioTools.h"
 #include "recording/engine/RecordScreenTool.h"
+#include "recording/repair/RepairVideoTool.h"
 #include "recording/ui/remote/RemoteClient.h"
 #include "shell/slideshow/SlideShowFactory.h"
 #include "shell/wiring/AudioWiring.h"
@@ -36,6 +37,7 @@ const CommandLineTool* const* commandLineTools(int* count)
         &kRecordScreenTool,
         &kRecordAudioTool,
         &kRepairWavTool,
+        &kRepairVideoTool,
         &kAudioRecorderTool,
         &kRemoteCommandTool,
         &kRemoteRecordToTool,

@@ -6,8 +6,7 @@
 
 namespace mirabend::test {
 
-MediaInfo probe(const std::string& file)
-{
+MediaInfo probe(const std::string& file) {
     MediaInfo info;
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
@@ -101,26 +100,30 @@ MediaInfo probe(const std::string& file)
 
 namespace mirabend::test {
 
-int brightestLuma(const std::string& file, int x, int y, int w, int h, double atSeconds)
-{
+namespace {
+
+// Calls `look` with the first frame at or after `atSeconds`, converted to
+// `format`; false when no such frame decodes.
+template <typename Look>
+bool withFrame(const std::string& file, double atSeconds, AVPixelFormat format, Look look) {
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
-        return -1;
+        return false;
     InputContextPtr input(raw);
     if (avformat_find_stream_info(input.get(), nullptr) < 0)
-        return -1;
+        return false;
     const int index = av_find_best_stream(input.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     if (index < 0)
-        return -1;
+        return false;
     const AVCodecParameters* p = input->streams[index]->codecpar;
     const AVCodec* codec = avcodec_find_decoder(p->codec_id);
     CodecContextPtr decoder(avcodec_alloc_context3(codec));
     avcodec_parameters_to_context(decoder.get(), p);
     if (avcodec_open2(decoder.get(), codec, nullptr) < 0)
-        return -1;
+        return false;
     PacketPtr packet = makePacket();
     FramePtr frame = makeFrame();
-    FramePtr gray = makeFrame();
+    FramePtr out = makeFrame();
     while (av_read_frame(input.get(), packet.get()) >= 0) {
         const bool mine = packet->stream_index == index;
         if (mine)
@@ -132,21 +135,48 @@ int brightestLuma(const std::string& file, int x, int y, int w, int h, double at
         if (pts != AV_NOPTS_VALUE && pts * av_q2d(input->streams[index]->time_base) < atSeconds)
             continue;
         SwsPtr sws(sws_getContext(frame->width, frame->height, AVPixelFormat(frame->format), frame->width,
-                                  frame->height, AV_PIX_FMT_GRAY8, SWS_POINT, nullptr, nullptr, nullptr));
-        gray->format = AV_PIX_FMT_GRAY8;
-        gray->width = frame->width;
-        gray->height = frame->height;
-        if (!sws || av_frame_get_buffer(gray.get(), 0) < 0)
-            return -1;
-        sws_scale(sws.get(), frame->data, frame->linesize, 0, frame->height, gray->data, gray->linesize);
-        int best = 0;
-        for (int row = y; row < std::min(y + h, gray->height); ++row) {
-            for (int col = x; col < std::min(x + w, gray->width); ++col)
-                best = std::max(best, int(gray->data[0][row * gray->linesize[0] + col]));
-        }
-        return best;
+                                  frame->height, format, SWS_POINT, nullptr, nullptr, nullptr));
+        out->format = format;
+        out->width = frame->width;
+        out->height = frame->height;
+        if (!sws || av_frame_get_buffer(out.get(), 0) < 0)
+            return false;
+        sws_scale(sws.get(), frame->data, frame->linesize, 0, frame->height, out->data, out->linesize);
+        look(*out);
+        return true;
     }
-    return -1;
+    return false;
+}
+
+} // namespace
+
+int brightestLuma(const std::string& file, int x, int y, int w, int h, double atSeconds) {
+    int best = -1;
+    withFrame(file, atSeconds, AV_PIX_FMT_GRAY8, [&](const AVFrame& gray) {
+        best = 0;
+        for (int row = y; row < std::min(y + h, gray.height); ++row) {
+            for (int col = x; col < std::min(x + w, gray.width); ++col)
+                best = std::max(best, int(gray.data[0][row * gray.linesize[0] + col]));
+        }
+    });
+    return best;
+}
+
+std::array<int, 3> averageRgb(const std::string& file, int x, int y, int w, int h, double atSeconds) {
+    std::array<int, 3> mean{-1, -1, -1};
+    withFrame(file, atSeconds, AV_PIX_FMT_RGB24, [&](const AVFrame& rgb) {
+        long sum[3] = {0, 0, 0};
+        long count = 0;
+        for (int row = y; row < std::min(y + h, rgb.height); ++row) {
+            for (int col = x; col < std::min(x + w, rgb.width); ++col, ++count) {
+                for (int c = 0; c < 3; ++c)
+                    sum[c] += rgb.data[0][row * rgb.linesize[0] + col * 3 + c];
+            }
+        }
+        for (int c = 0; count && c < 3; ++c)
+            mean[std::size_t(c)] = int(sum[c] / count);
+    });
+    return mean;
 }
 
 } // namespace mirabend::test

@@ -2,6 +2,7 @@
 // Reads a recorded file back with libavformat: codecs, sizes, counted
 // packets and the loudness of the decoded sound.
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,10 @@ namespace mirabend::test {
 // The brightest luma (0..255) in a rectangle of the first decoded video
 // frame at or after `atSeconds`, or -1 when no such frame decodes.
 int brightestLuma(const std::string& file, int x, int y, int w, int h, double atSeconds = 0.0);
+
+// The mean red, green and blue (0..255) of a rectangle of the first decoded
+// video frame at or after `atSeconds`; -1 each when no such frame decodes.
+std::array<int, 3> averageRgb(const std::string& file, int x, int y, int w, int h, double atSeconds = 0.0);
 
 } // namespace mirabend::test
 

@@ -48,7 +48,8 @@ TEST(RecordAudioOptions, BadValuesAreNamedInTheError)
     const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
         {{"--record-audio"}, "needs a file name"},
         {{"--record-audio", "a.wav", "--rate", "fast"}, "\"fast\""},
-        {{"--record-audio", "a.wav", "--rate", "96001"}, "96000"},
+        {{"--record-audio", "a.wav", "--rate", "7"}, "8000 to 192000 Hz, not \"7\""},
+        {{"--record-audio", "a.wav", "--rate", "192001"}, "8000 to 192000 Hz"},
         {{"--record-audio", "a.wav", "--channels", "3"}, "1 or 2"},
         {{"--record-audio", "a.wav", "--seconds", "-1"}, "positive"},
         {{"--record-audio", "a.wav", "--volume", "loud"}, "whole number"},

@@ -151,6 +151,44 @@ TEST(FormatPlannerTest, AviFitsMicrosoftVideo1AndKeepsPcmAt11025Mono)
     EXPECT_EQ(plan.audio.bitRate, 128000);
 }
 
+// Each compressor with a settings page has its values reach the encoder's
+// target; the others have no page.
+TEST(FormatPlannerTest, CompressorSettingsPagesReachTheEncoder)
+{
+    const struct {
+        int format;
+        const char* compressor;
+        CompressorSettingValues values;
+        std::int64_t bitRate;
+        int quality;
+        const char* preset;
+        int keyframes;
+    } cases[] = {
+        {0, "H.264", {{"quality", 30}, {"speed", 2}}, 0, 30, "veryfast", 0},
+        {0, "MPEG-4", {{"bitrate", 700}}, 700000, -1, "", 0},
+        {0, "Windows Media Video 8", {{"bitrate", 1500}}, 1500000, -1, "", 0},
+        {0, "Microsoft Video 1", {{"keyframes", 12}}, 0, -1, "", 12},
+        {4, "H.264", {{"quality", 18}, {"speed", 5}}, 0, 18, "medium", 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.compressor);
+        RecorderSettings s = settings(c.format);
+        s.videoCompressor = QString::fromLatin1(c.compressor);
+        (c.format == 0 ? s.videoCompressorSettings : s.h264Settings) = c.values;
+        RecordingPlan plan;
+        ASSERT_FALSE(FormatPlanner::plan(s, 640, 480, plan));
+        if (c.bitRate) {
+            EXPECT_EQ(plan.video.bitRate, c.bitRate);
+        }
+        EXPECT_EQ(plan.video.quality, c.quality);
+        EXPECT_EQ(plan.video.preset, c.preset);
+        EXPECT_EQ(plan.video.keyframeInterval, c.keyframes);
+        EXPECT_FALSE(CompressorCatalog::videoSettings(s.videoCompressor).empty());
+    }
+    for (const char* without : {"Sorenson Spark", "Motion JPEG"})
+        EXPECT_TRUE(CompressorCatalog::videoSettings(QString::fromLatin1(without)).empty()) << without;
+}
+
 TEST(FormatPlannerTest, FlashFormatsTakeMp3At44100AndRefuseBadBitrates)
 {
     RecordingPlan plan;

@@ -5,8 +5,13 @@
 #include "recording/engine/Screen2Video.h"
 #include "support/ChildProcess.h"
 
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
 #include <QCoreApplication>
 #include <QWidget>
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstring>
@@ -17,6 +22,8 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace mirabend {
 namespace {
@@ -109,6 +116,68 @@ TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound)
         EXPECT_NEAR(info.audioSeconds, 1.5, 0.45);
         EXPECT_GT(info.audioRms, 0.05) << "the sine source should be audible";
         EXPECT_TRUE(failuresOf(r, RecorderError::AudioDeviceUnavailable).empty());
+    }
+}
+
+// Key pictures among a file's video packets, and the whole file's bytes.
+std::pair<int, std::string> keyPacketsAndBytes(const std::string& file)
+{
+    int keys = 0;
+    AVFormatContext* raw = nullptr;
+    if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) == 0) {
+        const int video = av_find_best_stream(raw, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
+        AVPacket* packet = av_packet_alloc();
+        while (av_read_frame(raw, packet) >= 0) {
+            keys += packet->stream_index == video && (packet->flags & AV_PKT_FLAG_KEY);
+            av_packet_unref(packet);
+        }
+        av_packet_free(&packet);
+        avformat_close_input(&raw);
+    }
+    std::ifstream in(file, std::ios::binary);
+    return {keys, std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>())};
+}
+
+// What a compressor's settings page chose is what the encoder wrote: x264
+// names its rate factor and speed in the stream, Video 1 its key pictures.
+TEST_F(RecordingTest, CompressorSettingsReachTheWrittenStream)
+{
+    const struct {
+        int format;
+        const char* compressor;
+        std::vector<std::pair<std::string, int>> settings;
+        std::vector<std::string> written; // in the stream's bytes
+        int keys;                         // key pictures in 12 frames, or -1
+    } cases[] = {
+        {5, "H.264", {}, {"crf=23.0", "subme=0"}, -1},
+        {5, "H.264", {{"quality", 30}, {"speed", 5}}, {"crf=30.0", "subme=7"}, -1},
+        {0, "Microsoft Video 1", {}, {}, 1},
+        {0, "Microsoft Video 1", {{"keyframes", 3}}, {}, 4},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.compressor) + " with " + std::to_string(c.settings.size()) + " settings");
+        Screen2Video r;
+        const std::string file = m_folder.file(c.format == 0 ? "set.avi" : "set.mkv");
+        r.OutputFileName(QString::fromStdString(file));
+        r.OutputFormat(c.format);
+        r.AudioEnabled(false);
+        r.FrameRate(12);
+        r.ZoomRectangle(0, 0, 160, 120);
+        r.VideoCompressorIndex(r.VideoCompressors().FindByName(QString::fromLatin1(c.compressor)));
+        for (const auto& [key, value] : c.settings)
+            r.VideoCompressorSetting(QString::fromLatin1(c.compressor), key, value);
+        ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+        recordFor(r, 0.95);
+        r.StopCapture();
+        const test::MediaInfo info = probe(file);
+        ASSERT_TRUE(info.opened);
+        ASSERT_NEAR(double(info.videoPackets), 12, 1);
+        const auto [keys, bytes] = keyPacketsAndBytes(file);
+        for (const std::string& needle : c.written)
+            EXPECT_NE(bytes.find(needle), std::string::npos) << needle;
+        if (c.keys >= 0) {
+            EXPECT_NEAR(keys, c.keys * info.videoPackets / 12.0, 1);
+        }
     }
 }
 
@@ -235,7 +304,7 @@ TEST_F(RecordingTest, AStopInTheBackgroundCompletesTheFileWhileTheNextRecordingR
     EXPECT_NEAR(two.audioSeconds, two.videoSeconds, 0.15);
 }
 
-TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithoutSound)
+TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithSilence)
 {
     // Point the sound clients at a server that does not exist: the device
     // list falls back to ALSA, whose default device leads nowhere here.
@@ -254,7 +323,9 @@ TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithoutSound)
     const test::MediaInfo info = probe(file);
     ASSERT_TRUE(info.opened);
     EXPECT_EQ(info.videoCodec, "msvideo1");
-    EXPECT_TRUE(info.audioCodec.empty());
+    EXPECT_EQ(info.audioCodec, "pcm_s16le") << "the sound track is kept, silent";
+    EXPECT_EQ(info.audioRms, 0.0);
+    EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.2);
     EXPECT_NEAR(double(info.videoPackets), 10, 2);
 }
 
@@ -367,6 +438,53 @@ TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile)
     umount(mountPoint.c_str());
 }
 
+TEST_F(RecordingTest, ABadOptionValueIsNamedOnOneLineAndRecordsNothing)
+{
+    {
+        std::ofstream notImage(m_folder.file("notes.png"));
+        notImage << "not a picture";
+    }
+    const std::string out = m_folder.file("never.avi");
+    const struct {
+        std::vector<std::string> args;
+        std::string expected;
+    } cases[] = {
+        {{"--fps", "abc"}, "--fps: \"abc\" is not a number"},
+        {{"--fps", "0"}, "--fps: 0 is not a frame rate from 1 to 240"},
+        {{"--size", "0x0"}, "--size: \"0x0\""},
+        {{"--image", m_folder.file("notes.png")}, "--image: " + m_folder.file("notes.png") + " is not an image"},
+        {{"--image", m_folder.file("gone.png")}, "--image: there is no file"},
+        {{"--video-bitrate", "fast"}, "--video-bitrate: \"fast\""},
+        {{"--window", "main"}, "--window: \"main\""},
+        {{"--fps"}, "--fps needs a value"},
+        {{"--frobnicate"}, "unknown option --frobnicate"},
+    };
+    const auto run = [&](std::vector<std::string> args) {
+        const std::string log = m_folder.file("bad.log");
+        test::ChildProcess tool;
+        // A runtime folder, or Qt's own warning about it would come first.
+        EXPECT_TRUE(tool.start(args, {"XDG_RUNTIME_DIR=" + m_folder.path()}, log));
+        const int code = tool.wait(30000);
+        std::ifstream in(log);
+        const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        return std::make_pair(code, text);
+    };
+    for (const auto& c : cases) {
+        std::vector<std::string> args = {driver(), "--record-screen", out};
+        args.insert(args.end(), c.args.begin(), c.args.end());
+        const auto [code, text] = run(args);
+        SCOPED_TRACE(text);
+        EXPECT_EQ(code, 2);
+        EXPECT_EQ(text.rfind("mirabend: ", 0), 0u);
+        EXPECT_NE(text.find(c.expected), std::string::npos) << c.expected;
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1) << "one line, not the whole help";
+    }
+    const auto [code, text] = run({driver(), "--record-screen", m_folder.file("talk.xyz")});
+    EXPECT_EQ(code, 2);
+    EXPECT_NE(text.find("--record-screen: unknown extension \"xyz\""), std::string::npos) << text;
+    EXPECT_NE(access(out.c_str(), F_OK), 0) << "nothing is recorded";
+}
+
 TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled)
 {
     for (const char* extension : {"mp4", "mkv"}) {
@@ -374,8 +492,11 @@ TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled)
         const std::string file = m_folder.file(std::string("killed.") + extension);
         test::ChildProcess recorder;
         ASSERT_TRUE(recorder.start({driver(), "--record-screen", file, "--seconds", "30", "--region",
-                                    "0,0,320,240", "--fps", "10"}));
-        std::this_thread::sleep_for(3s);
+                                    "0,0,320,240", "--fps", "10"},
+                                   {"XDG_STATE_HOME=" + m_folder.path()}));
+        // Killed once two seconds are on disk, however slowly the recorder got going.
+        for (int waited = 0; waited < 300 && probe(file).videoSeconds < 2.0; ++waited)
+            std::this_thread::sleep_for(100ms);
         kill(recorder.pid(), SIGKILL);
         recorder.stop();
         const test::MediaInfo info = probe(file);

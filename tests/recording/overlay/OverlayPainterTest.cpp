@@ -1,10 +1,12 @@
 // The text and the date/time stamp as they land on a frame.
 #include "FrameProbe.h"
 #include "recording/overlay/HatchPatterns.h"
+#include "recording/overlay/OverlayChoices.h"
 #include "recording/overlay/OverlayRendering.h"
 
 #include <QFontMetrics>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace mirabend::test {
 namespace {
@@ -137,6 +139,18 @@ TEST(OverlayText, OutOfRangeChoicesAreReportedAndFallBack) {
 
 TEST(OverlayText, FontStylesChangeTheInk) {
     OverlaySettings s = textSettings("a a", 20, 20);
+    // Each of the five styles draws a picture of its own.
+    const QStringList names = overlayFontStyleNames();
+    std::vector<QImage> styled;
+    for (int style = 0; style < names.size(); ++style) {
+        s.textFontStyle = style;
+        styled.push_back(paintedWith(s, kBlue));
+        for (int earlier = 0; earlier < style; ++earlier)
+            EXPECT_NE(styled[std::size_t(style)], styled[std::size_t(earlier)])
+                << names[style].toStdString() << " looks like " << names[earlier].toStdString();
+    }
+
+    s.textFontStyle = static_cast<int>(OverlayFontStyle::Regular);
     const Ink regular = inkOf(paintedWith(s, kBlue), kBlue);
     s.textFontStyle = static_cast<int>(OverlayFontStyle::Bold);
     EXPECT_GT(inkOf(paintedWith(s, kBlue), kBlue).count, regular.count * 11 / 10);

@@ -9,6 +9,7 @@
 #include "support/FakeClock.h"
 #include "support/ScriptedPrompts.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QRadioButton>
@@ -86,11 +87,22 @@ TEST_F(FormatBranch, AdvanceProfilePicksTheProfileFileAndItsCaptionPerAspect) {
 }
 
 TEST_F(FormatBranch, BasicProfileLooksUpTheSystemProfileAndWritesNoCaption) {
+    // A profile file from an earlier recording must not stay in force.
+    form->format().optadvprofile->setChecked(true);
+    record("/tmp/talk.wmv", 1);
+    EXPECT_EQ(recorder.count("WmvProfileFile(/"), 1);
+    form->format().optdefaultprofile->setChecked(true);
     form->format().cboWMV->setCurrentIndex(1);
+    host.panels[4] = "previous caption";
     record("/tmp/talk.wmv", 3);
-    EXPECT_TRUE(hasCall("WmvProfileIndex(1)"));
-    EXPECT_EQ(recorder.count("WmvProfileFile"), 0);
+    EXPECT_EQ(recorder.calls.filter("WmvProfile"), QStringList({"WmvProfileFile()", "WmvProfileIndex(1)"}));
     EXPECT_EQ(host.panels[4], "previous caption");
+    // A profile file chosen for cboWMV is the one it shows, so it is in force.
+    prompts.answerFile("/prx/mine.prx");
+    form->format().chkProfileFile->click();
+    record("/tmp/talk.wmv", 1);
+    EXPECT_EQ(recorder.calls.filter("WmvProfile"), QStringList({"WmvProfileFile(/prx/mine.prx)"}));
+    form->format().chkProfileFile->click();
 
     recorder.profiles = {"Something else"};
     record("/tmp/talk.wmv", 1);

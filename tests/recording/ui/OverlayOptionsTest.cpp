@@ -128,6 +128,27 @@ TEST_F(OverlayPage, DrawTextHandsTrimmedLinesJoinedByLineFeedAndReturn) {
     EXPECT_TRUE(prompts.messages[0].text.contains("6px"));
 }
 
+// Each colour button shows the colour the recorder draws with, before and
+// after one is picked.
+TEST_F(OverlayPage, ColourButtonsShowWhatTheRecorderGot) {
+    FakeRecorder fresh;
+    CaptureOptions_frm another(host, fresh, prompts, clock);
+    OverlayOptions& page = another.overlay();
+    const auto chip = [](QPushButton* b) { return b->icon().pixmap(14, 14).toImage().pixelColor(7, 7).name(); };
+    const auto handed = [&fresh](const QString& prefix) { return fresh.calls.filter(prefix).value(0); };
+    EXPECT_EQ(handed("DateColor"), QStringLiteral("DateColor(%1)").arg(chip(page.Command9)));
+    EXPECT_EQ(handed("TextColors"), QStringLiteral("TextColors(%1, %2, %3)")
+                                        .arg(chip(page.cmdsolidfontcolor), chip(page.cmdoutlineborder),
+                                             chip(page.cmdoutlineback)));
+    EXPECT_EQ(handed("HatchBrush"), QStringLiteral("HatchBrush(%1, %2, 0, 0)")
+                                        .arg(chip(page.cmdhashforecolor), chip(page.cmdhashbackcolor)));
+    EXPECT_EQ(chip(page.cmdimagetrancolor), "#000000");
+    prompts.answerColor(QColor(255, 0, 0));
+    page.cmdimagetrancolor_Click();
+    EXPECT_EQ(chip(page.cmdimagetrancolor), "#ff0000");
+    EXPECT_TRUE(fresh.calls.last().contains("#ff0000"));
+}
+
 TEST_F(OverlayPage, FontAndBrushChoicesReachTheRecorder) {
     o->cbofontname->setCurrentIndex(2);
     EXPECT_EQ(recorder.calls.mid(recorder.calls.size() - 2),
@@ -143,7 +164,7 @@ TEST_F(OverlayPage, FontAndBrushChoicesReachTheRecorder) {
     EXPECT_EQ(recorder.calls.last(), "HatchBrush(#0000ff, #ffffff, 1, 0)");
     prompts.answerColor(QColor(1, 2, 3));
     o->cmdoutlineborder->click();
-    EXPECT_EQ(recorder.calls.last(), "TextColors(#ffffff, #010203, #ffffff)");
+    EXPECT_EQ(recorder.calls.last(), "TextColors(#000000, #010203, #ffffff)");
     // A cancelled colour dialog changes nothing.
     recorder.clear();
     o->cmdsolidfontcolor->click();

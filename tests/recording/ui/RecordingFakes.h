@@ -4,12 +4,37 @@
 
 #include "recording/ui/RecorderControl.h"
 #include "recording/ui/RecordingHost.h"
+#include "util/Prompts.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QMap>
 #include <QSet>
 #include <QStringList>
+#include <functional>
+#include <string>
+#include <utility>
 
 namespace mirabend::test {
+
+// Runs the event loop until `done` holds or `timeoutMs` have passed.
+inline void spinUntil(const std::function<bool()>& done, int timeoutMs) {
+    QElapsedTimer waited;
+    waited.start();
+    while (!done() && waited.elapsed() < timeoutMs)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+// The messages other than the notice of a silent sound track, which a test
+// machine without a sound server gets; one a line.
+inline std::string unexpectedMessages(const QList<MessageRequest>& messages) {
+    std::string text;
+    for (const MessageRequest& m : messages) {
+        if (m.icon != PromptIcon::Exclamation)
+            text += m.text.toStdString() + "\n";
+    }
+    return text;
+}
 
 class FakeRecorder final : public RecorderControl {
 public:
@@ -94,6 +119,8 @@ public:
     void PauseCapture() override { log("PauseCapture", {}); }
     void ResumeCapture() override { log("ResumeCapture", {}); }
     RecordingFailure failure() const override { return currentFailure; }
+    RecordingFailure soundNotice; // handed out once, as the engine's adapter does
+    RecordingFailure takeSoundNotice() override { return std::exchange(soundNotice, RecordingFailure{}); }
     QStringList audioDevices() const override { return devices; }
     void SelectAudioDevice(int index) override {
         selectedDevice = index;

@@ -245,12 +245,48 @@ TEST_F(Session, FailureWhileRecordingStopsAndClosesTheFileOnce) {
 TEST_F(Session, FailureDuringAPauseIsReportedOnResume) {
     startRecording();
     form->PauseRec();
-    recorder.currentFailure = RecordingFailure(RecordingError::AudioSourceLost, "source mic went away");
+    recorder.currentFailure = RecordingFailure(RecordingError::WriteFailed, "encoder gave up");
     form->ResumeRec();
     ASSERT_EQ(prompts.messages.size(), 1);
-    EXPECT_TRUE(prompts.messages[0].text.contains("sound source"));
+    EXPECT_TRUE(prompts.messages[0].text.contains("encoder gave up"));
     EXPECT_EQ(host.panels[1], "Stoped ...");
     EXPECT_FALSE(session->Timer2->isActive());
+}
+
+TEST_F(Session, AMissingOrVanishedSoundSourceIsToldOnceAndTheRecordingGoesOn) {
+    const struct {
+        RecordingError code;
+        bool atStart;
+        const char* panel;
+        const char* message;
+    } cases[] = {
+        {RecordingError::SoundMissing, true, "No sound device: recording silence", "No sound device"},
+        {RecordingError::AudioSourceLost, false, "Sound source lost: recording silence",
+         "no longer available"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.panel);
+        prompts.messages.clear();
+        if (c.atStart)
+            recorder.soundNotice = RecordingFailure(c.code, "pulse: no source");
+        startRecording();
+        if (!c.atStart) {
+            session->Timer2_Timer();
+            EXPECT_TRUE(host.panels[3].isEmpty());
+            recorder.soundNotice = RecordingFailure(c.code, "pulse: no source");
+        }
+        session->Timer2_Timer();
+        session->Timer2_Timer();
+        ASSERT_EQ(prompts.messages.size(), 1);
+        EXPECT_TRUE(prompts.messages[0].text.contains(c.message)) << prompts.messages[0].text.toStdString();
+        EXPECT_TRUE(prompts.messages[0].text.contains("pulse: no source"));
+        EXPECT_EQ(prompts.messages[0].icon, PromptIcon::Exclamation);
+        EXPECT_EQ(host.panels[3], c.panel);
+        EXPECT_EQ(host.panels[1], "Recording ...");
+        EXPECT_EQ(session->state(), State::Recording);
+        EXPECT_TRUE(session->Timer2->isActive());
+        form->StopRec();
+    }
 }
 
 TEST_F(Session, RecordingToAGivenFileSkipsTheDialog) {

@@ -23,13 +23,6 @@ namespace {
 
 using State = RecordingSession::State;
 
-void spinUntil(const std::function<bool()>& done, int timeoutMs) {
-    QElapsedTimer waited;
-    waited.start();
-    while (!done() && waited.elapsed() < timeoutMs)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-}
-
 class WarmUpRecording : public ::testing::Test {
 protected:
     void SetUp() override {
