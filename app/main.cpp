@@ -35,7 +35,9 @@ void printHelp(const mirabend::CommandLineTool* const* tools, int count)
             std::printf("      %s\n", qPrintable(line.trimmed()));
     }
     std::printf("\nFiles are written to the program folder when it is writable, else to\n"
-                "$XDG_DATA_HOME/mirabend. Nothing is stored between runs.\n");
+                "$XDG_DATA_HOME/mirabend. The notes board is kept in\n"
+                "$XDG_DATA_HOME/mirabend/notes.rtf; recordings in progress are listed under\n"
+                "$XDG_STATE_HOME/mirabend and repaired at the next start if a crash cut them short.\n");
 }
 
 // The widget library is ready when the application has a screen to show the
