@@ -5,6 +5,7 @@
 #include "recording/ui/remote/RemoteClient.h"
 #include "shell/slideshow/SlideShowFactory.h"
 #include "shell/wiring/AudioWiring.h"
+#include "shell/wiring/CameraWiring.h"
 #include "shell/wiring/RecordingWiring.h"
 #include "util/CommandLineTool.h"
 
@@ -23,6 +24,7 @@ ShellServices makeShellServices(Prompts& prompts)
     services.makeAudio = [&prompts](Mirabend_frm& window) -> std::unique_ptr<AudioPort> {
         return std::make_unique<AudioWiring>(window, prompts);
     };
+    installCamera(services, prompts);
     return services;
 }
 

@@ -1,0 +1,118 @@
+#include "shell/camera/CameraPreview.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+namespace mirabend {
+
+CameraPreview::CameraPreview(QWidget* parent)
+    : QWidget(parent) {
+    setObjectName(QStringLiteral("cameraPreview"));
+    // Only the inset's shape is painted; around a rounded or round inset the
+    // stage shows through.
+    setAttribute(Qt::WA_NoSystemBackground);
+    setAutoFillBackground(false);
+}
+
+void CameraPreview::setFrame(const QVideoFrame& frame) {
+    m_frame = frame;
+    m_noCamera = false;
+    update();
+}
+
+void CameraPreview::clear() {
+    m_frame = QVideoFrame();
+    update();
+}
+
+void CameraPreview::setNoCamera(bool none) {
+    m_noCamera = none;
+    if (none)
+        m_frame = QVideoFrame();
+    update();
+}
+
+void CameraPreview::setKeepAspect(bool keep) {
+    m_keepAspect = keep;
+    update();
+}
+
+void CameraPreview::setShape(InsetShape shape) {
+    m_shape = shape;
+    update();
+}
+
+QRect CameraPreview::pictureRect(QSize pane, QSize picture, bool keepAspect) {
+    const QRect whole(QPoint(0, 0), pane);
+    if (!keepAspect || picture.isEmpty() || pane.isEmpty())
+        return whole;
+    const QSize fitted = picture.scaled(pane, Qt::KeepAspectRatio);
+    QRect rect(QPoint(0, 0), fitted);
+    rect.moveCenter(whole.center());
+    return rect;
+}
+
+QPainterPath CameraPreview::outline(QSize pane, InsetShape shape) {
+    QPainterPath path;
+    const QRectF whole(QPointF(0, 0), QSizeF(pane));
+    switch (shape) {
+    case InsetShape::Rectangle:
+        path.addRect(whole);
+        break;
+    case InsetShape::Rounded: {
+        const qreal radius = std::min(whole.width(), whole.height()) * 0.12;
+        path.addRoundedRect(whole, radius, radius);
+        break;
+    }
+    case InsetShape::Circle: {
+        const qreal diameter = std::min(whole.width(), whole.height());
+        QRectF circle(0, 0, diameter, diameter);
+        circle.moveCenter(whole.center());
+        path.addEllipse(circle);
+        break;
+    }
+    }
+    return path;
+}
+
+void CameraPreview::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing, m_shape != InsetShape::Rectangle);
+    const QPainterPath shape = outline(size(), m_shape);
+    painter.fillPath(shape, QColor(0x0d, 0x0f, 0x12));
+    painter.setClipPath(shape);
+    if (m_frame.isValid()) {
+        const QImage image = m_frame.toImage();
+        if (!image.isNull()) {
+            QRect target = pictureRect(size(), image.size(), m_keepAspect);
+            if (m_shape == InsetShape::Circle && !m_keepAspect) {
+                // A round inset shows the picture's middle, undistorted.
+                const QRect circle = shape.boundingRect().toAlignedRect();
+                target =
+                    QRect(QPoint(0, 0), image.size().scaled(circle.size(), Qt::KeepAspectRatioByExpanding));
+                target.moveCenter(circle.center());
+            }
+            painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
+            painter.drawImage(target, image);
+            ++m_framesPainted;
+        }
+    } else if (m_noCamera) {
+        painter.setPen(QColor(0x8a, 0x93, 0xa3));
+        QFont font = painter.font();
+        font.setPixelSize(std::max(10, std::min(width(), height()) / 8));
+        painter.setFont(font);
+        painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap, tr("No camera"));
+    }
+}
+
+void CameraPreview::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    Q_EMIT shownChanged(true);
+}
+
+void CameraPreview::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    Q_EMIT shownChanged(false);
+}
+
+} // namespace mirabend
