@@ -93,6 +93,7 @@ void QtCameraControl::useDevice(const QCameraDevice& device, const QString& form
         }
     }
     m_formatName = chosen.isNull() ? QString() : nameOf(chosen);
+    m_cameraFormat = chosen;
     if (!chosen.isNull())
         m_camera.setCameraFormat(chosen);
     if (m_tvMute)
@@ -111,15 +112,14 @@ void QtCameraControl::selectDevice(const QString& name) {
         startCamera();
 }
 
-void QtCameraControl::selectFormat(const QString& name) {
+void QtCameraControl::selectFormat(const QString& name)
+{
     for (const QCameraFormat& format : m_camera.cameraDevice().videoFormats()) {
         if (nameOf(format) == name) {
-            const bool running = m_camera.isActive();
-            m_camera.stop();
+            // A running camera takes the new format as it runs.
             m_camera.setCameraFormat(format);
+            m_cameraFormat = format;
             m_formatName = name;
-            if (running)
-                startCamera();
             return;
         }
     }
@@ -145,6 +145,10 @@ void QtCameraControl::startCamera() {
         return;
     ++m_cameraStarts;
     m_camera.start();
+    // Qt 6.4's GStreamer camera may start in another format than the one
+    // set while it was stopped; setting it on the running camera holds.
+    if (!m_cameraFormat.isNull())
+        m_camera.setCameraFormat(m_cameraFormat);
 }
 
 void QtCameraControl::startPreview() {
@@ -160,35 +164,42 @@ void QtCameraControl::stopPreview() {
 }
 
 void QtCameraControl::onDevicesChanged() {
-    const QCameraDevice current = findDevice(m_deviceName.isEmpty() ? m_lostDevice : m_deviceName);
-    if (!m_deviceName.isEmpty() && current.isNull()) {
-        // Unplugged while in use: stop cleanly, remember it for its return.
-        m_lostDevice = m_deviceName;
-        m_deviceName.clear();
-        m_deviceId.clear();
-        m_camera.stop();
-        m_camera.setCameraDevice(QCameraDevice());
-        if (capturing())
-            m_recorder.stop();
-        Q_EMIT previewStopped();
-    } else if (!current.isNull() && (m_deviceName.isEmpty() || current.id() != m_deviceId)) {
-        // Back again (or listed anew under another id): take it up.
-        const QString format = m_formatName;
-        m_camera.stop();
-        useDevice(current, format);
-        m_lostDevice.clear();
-        if (m_previewWanted)
-            startCamera();
-    } else if (m_deviceName.isEmpty() && m_lostDevice.isEmpty()) {
-        // No camera until now: the first one plugged in is used.
-        const QCameraDevice first = QMediaDevices::defaultVideoInput();
-        if (!first.isNull()) {
-            useDevice(first, QString());
-            if (m_previewWanted)
-                startCamera();
+    bool stillListed = false;
+    for (const QCameraDevice& device : QMediaDevices::videoInputs())
+        stillListed = stillListed || (device.id() == m_deviceId && device.description() == m_deviceName);
+    if (!m_deviceName.isEmpty() && !stillListed) {
+        const QCameraDevice again = findDevice(m_deviceName);
+        if (again.isNull()) {
+            // Unplugged while in use: stop cleanly, remember it for its return.
+            m_lostDevice = m_deviceName;
+            m_deviceName.clear();
+            m_deviceId.clear();
+            m_camera.stop();
+            m_camera.setCameraDevice(QCameraDevice());
+            if (capturing())
+                m_recorder.stop();
+            Q_EMIT previewStopped();
+        } else {
+            // Listed anew under another id: follow it.
+            takeUp(again);
         }
+    } else if (m_deviceName.isEmpty()) {
+        // Back again, or the first camera plugged in where there was none.
+        const QCameraDevice back =
+            m_lostDevice.isEmpty() ? QMediaDevices::defaultVideoInput() : findDevice(m_lostDevice);
+        if (!back.isNull())
+            takeUp(back);
     }
     Q_EMIT devicesChanged();
+}
+
+void QtCameraControl::takeUp(const QCameraDevice& device) {
+    const bool running = m_camera.isActive() || m_previewWanted;
+    m_camera.stop();
+    useDevice(device, m_formatName);
+    m_lostDevice.clear();
+    if (running)
+        startCamera();
 }
 
 void QtCameraControl::onSinkFrame(const QVideoFrame& frame) {
@@ -211,7 +222,7 @@ void QtCameraControl::deliverFrame() {
         m_pendingFrame = QVideoFrame();
         m_deliveryQueued = false;
     }
-    if (frame.isValid() && m_camera.isActive())
+    if (frame.isValid() && m_camera.isActive() && !m_deviceName.isEmpty())
         Q_EMIT frameReady(frame);
 }
 
@@ -230,6 +241,12 @@ void QtCameraControl::startCapture(const QString& file, int milliseconds) {
     format.setVideoCodec(QMediaFormat::VideoCodec::VP8);
     m_recorder.setMediaFormat(format);
     m_recorder.setQuality(QMediaRecorder::NormalQuality);
+    // Without these the recorder may renegotiate the camera to another of
+    // its formats.
+    if (!m_cameraFormat.isNull()) {
+        m_recorder.setVideoResolution(m_cameraFormat.resolution());
+        m_recorder.setVideoFrameRate(m_cameraFormat.maxFrameRate());
+    }
     m_recorder.setOutputLocation(QUrl::fromLocalFile(file));
     m_recorder.record();
     m_captureTimer.start(milliseconds);

@@ -18,6 +18,7 @@
 
 #include <QCamera>
 #include <QCameraDevice>
+#include <QCameraFormat>
 #include <QMediaCaptureSession>
 #include <QMediaDevices>
 #include <QMediaRecorder>
@@ -57,6 +58,7 @@ private:
     QCameraDevice findDevice(const QString& name) const;
     void useDevice(const QCameraDevice& device, const QString& formatName);
     void onDevicesChanged();
+    void takeUp(const QCameraDevice& device);
     void onSinkFrame(const QVideoFrame& frame);
     void deliverFrame();
     void startCamera();
@@ -73,6 +75,7 @@ private:
     QString m_deviceName;
     QByteArray m_deviceId;
     QString m_formatName;
+    QCameraFormat m_cameraFormat;
     QString m_lostDevice; // the device that was unplugged while in use
     QString m_captureFile;
     bool m_previewWanted = false;

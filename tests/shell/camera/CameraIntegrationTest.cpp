@@ -89,7 +89,7 @@ TEST_F(CameraIntegration, ListsSelectsAndHandsTheStandardToTheDevice) {
     EXPECT_EQ(log.mutes, std::vector<bool>{true});
     EXPECT_EQ(log.opened.value(0), TestCameras::kName);
 
-    // Frames flow at the chosen format's size; a format change restarts.
+    // Frames flow at the chosen format's size, and follow a format change.
     int frames = 0;
     QSize size;
     QObject::connect(&control, &CameraControl::frameReady, [&](const QVideoFrame& f) {
@@ -101,7 +101,7 @@ TEST_F(CameraIntegration, ListsSelectsAndHandsTheStandardToTheDevice) {
     EXPECT_EQ(size, QSize(640, 480));
     control.selectFormat(formats[1]);
     EXPECT_TRUE(waitFor([&] { return size == QSize(320, 240); }));
-    EXPECT_EQ(control.cameraStarts(), 2);
+    EXPECT_EQ(control.cameraStarts(), 1);
     control.stopPreview();
 }
 
@@ -127,7 +127,9 @@ TEST_F(CameraIntegration, TheCaptureTestWritesFiveSecondsThatReadBack) {
     EXPECT_EQ(info.videoCodec, "vp8");
     EXPECT_EQ(info.width, 320);
     EXPECT_EQ(info.height, 240);
-    EXPECT_NEAR(info.videoSeconds, 5.0, 1.0);
+    // About five seconds (the encoder may add packets of its own).
+    EXPECT_GT(info.videoPackets, 40);
+    EXPECT_NEAR(info.videoSeconds - info.videoStartSeconds, 5.0, 1.0);
     QFile::remove(file);
 }
 
@@ -253,9 +255,13 @@ TEST_F(CameraWindow, TheChosenShapeStaysThroughModeChangesAndNoCameraIsSaid) {
     EXPECT_LT(qGray(shot.pixel(inset.topLeft() + QPoint(2, 2))), 90);
     EXPECT_GT(qGray(shot.pixel(inset.center() + QPoint(-25, -10))), 120);
 
+    // (Without a sound server here the window has said there is no audio input.)
+    const auto messages = prompts.messages.size();
     TestCameras::instance().plug(false);
     ASSERT_TRUE(waitFor([&] { return preview->noCamera(); }));
-    EXPECT_TRUE(prompts.messages.isEmpty()) << "no camera is never an error box";
+    const QImage none = grabStage();
+    none.save(QString::fromLocal8Bit(qgetenv("MIRABEND_BINARY_DIR")) + "/tests/camera-none.png");
+    EXPECT_EQ(prompts.messages.size(), messages) << "no camera is never an error box";
 }
 
 } // namespace

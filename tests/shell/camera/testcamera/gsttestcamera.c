@@ -70,7 +70,6 @@ G_DECLARE_FINAL_TYPE(TestcamProvider, testcam_provider, TESTCAM, PROVIDER, GstDe
 
 struct _TestcamProvider {
     GstDeviceProvider parent;
-    GList* devices; /* made once: probing and monitoring hand out the same objects */
     GThread* watcher;
     gint running;
     gboolean present;
@@ -78,13 +77,21 @@ struct _TestcamProvider {
 
 G_DEFINE_TYPE(TestcamProvider, testcam_provider, GST_TYPE_DEVICE_PROVIDER)
 
+/* One set of device objects for every provider instance (a device monitor
+ * may make several): a consumer that keeps devices by identity then sees
+ * each camera once. */
 static GList* testcam_provider_own_devices(TestcamProvider* self) {
-    if (!self->devices) {
-        self->devices = testcam_devices();
-        for (GList* d = self->devices; d; d = d->next)
+    static GList* devices = NULL;
+    static GMutex lock;
+    (void)self;
+    g_mutex_lock(&lock);
+    if (!devices) {
+        devices = testcam_devices();
+        for (GList* d = devices; d; d = d->next)
             gst_object_ref_sink(d->data);
     }
-    return self->devices;
+    g_mutex_unlock(&lock);
+    return devices;
 }
 
 static gpointer testcam_ref(gconstpointer object, gpointer unused) {
@@ -114,16 +121,19 @@ static void testcam_provider_update(TestcamProvider* self, gboolean present) {
 static gpointer testcam_provider_watch(gpointer data) {
     TestcamProvider* self = data;
     while (g_atomic_int_get(&self->running)) {
-        testcam_provider_update(self, testcam_plugged());
         g_usleep(100 * 1000);
+        testcam_provider_update(self, testcam_plugged());
     }
     return NULL;
 }
 
 static gboolean testcam_provider_start(GstDeviceProvider* provider) {
     TestcamProvider* self = TESTCAM_PROVIDER(provider);
+    /* The cameras are announced by the watcher a moment after the start, as
+     * if plugged in then: Qt 6.4 lists a started provider's devices and also
+     * takes the announcements made during its start, so it would list
+     * cameras announced at once twice. */
     self->present = FALSE;
-    testcam_provider_update(self, testcam_plugged());
     g_atomic_int_set(&self->running, 1);
     self->watcher = g_thread_new("testcam-watch", testcam_provider_watch, self);
     return TRUE;
@@ -137,15 +147,7 @@ static void testcam_provider_stop(GstDeviceProvider* provider) {
     self->watcher = NULL;
 }
 
-static void testcam_provider_finalize(GObject* object) {
-    TestcamProvider* self = TESTCAM_PROVIDER(object);
-    g_list_free_full(self->devices, gst_object_unref);
-    self->devices = NULL;
-    G_OBJECT_CLASS(testcam_provider_parent_class)->finalize(object);
-}
-
 static void testcam_provider_class_init(TestcamProviderClass* klass) {
-    G_OBJECT_CLASS(klass)->finalize = testcam_provider_finalize;
     GstDeviceProviderClass* provider = GST_DEVICE_PROVIDER_CLASS(klass);
     provider->probe = testcam_provider_probe;
     provider->start = testcam_provider_start;
@@ -155,7 +157,6 @@ static void testcam_provider_class_init(TestcamProviderClass* klass) {
 }
 
 static void testcam_provider_init(TestcamProvider* self) {
-    self->devices = NULL;
     self->watcher = NULL;
     self->running = 0;
     self->present = FALSE;
