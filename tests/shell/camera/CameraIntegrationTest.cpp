@@ -133,6 +133,21 @@ TEST_F(CameraIntegration, TheCaptureTestWritesFiveSecondsThatReadBack) {
     QFile::remove(file);
 }
 
+TEST_F(CameraIntegration, ACameraPluggedInLaterIsTakenUp) {
+    TestCameras::instance().plug(false);
+    ASSERT_TRUE(waitFor([] { return QMediaDevices::videoInputs().isEmpty(); }));
+    QtCameraControl control(nullptr);
+    EXPECT_TRUE(control.device().isEmpty());
+    EXPECT_TRUE(control.deviceNames().isEmpty());
+    int frames = 0;
+    QObject::connect(&control, &CameraControl::frameReady, [&](const QVideoFrame&) { ++frames; });
+    control.startPreview();
+    TestCameras::instance().plug(true);
+    ASSERT_TRUE(waitFor([&] { return control.device() == TestCameras::kName; }));
+    EXPECT_EQ(control.format(), "640x480 YUY2 30 fps");
+    EXPECT_TRUE(waitFor([&] { return frames > 3; })) << "the preview asked for before did not start";
+}
+
 TEST_F(CameraIntegration, UnpluggedCameraLeavesThePaneAndComesBack) {
     QtCameraControl control(nullptr);
     int frames = 0, stops = 0;
