@@ -31,7 +31,6 @@ QtCameraControl::QtCameraControl(AnalogueInputOpener openAnalogue, QObject* pare
     // round the GStreamer backend builds its pipeline without a sink.
     m_session.setVideoSink(&m_sink);
     m_session.setCamera(&m_camera);
-    m_session.setRecorder(&m_recorder);
     connect(&m_sink, &QVideoSink::videoFrameChanged, this, &QtCameraControl::onSinkFrame,
             Qt::DirectConnection);
     connect(&m_devices, &QMediaDevices::videoInputsChanged, this, &QtCameraControl::onDevicesChanged);
@@ -50,7 +49,12 @@ QtCameraControl::QtCameraControl(AnalogueInputOpener openAnalogue, QObject* pare
 
 QtCameraControl::~QtCameraControl() {
     m_sink.disconnect(this);
+    m_captureTimer.stop();
     m_camera.stop();
+    // The session lets go of its parts before they go.
+    m_session.setRecorder(nullptr);
+    m_session.setCamera(nullptr);
+    m_session.setVideoSink(nullptr);
 }
 
 QStringList QtCameraControl::deviceNames() const {
@@ -116,10 +120,14 @@ void QtCameraControl::selectFormat(const QString& name)
 {
     for (const QCameraFormat& format : m_camera.cameraDevice().videoFormats()) {
         if (nameOf(format) == name) {
-            // A running camera takes the new format as it runs.
+            // Qt 6.4 relinks a running camera unreliably: restart it.
+            const bool running = m_camera.isActive();
+            m_camera.stop();
             m_camera.setCameraFormat(format);
             m_cameraFormat = format;
             m_formatName = name;
+            if (running)
+                startCamera();
             return;
         }
     }
@@ -145,10 +153,6 @@ void QtCameraControl::startCamera() {
         return;
     ++m_cameraStarts;
     m_camera.start();
-    // Qt 6.4's GStreamer camera may start in another format than the one
-    // set while it was stopped; setting it on the running camera holds.
-    if (!m_cameraFormat.isNull())
-        m_camera.setCameraFormat(m_cameraFormat);
 }
 
 void QtCameraControl::startPreview() {
@@ -235,7 +239,10 @@ void QtCameraControl::startCapture(const QString& file, int milliseconds) {
     }
     QFile::remove(file);
     m_captureFile = file;
-    startCamera();
+    // The recorder joins the session only for the capture, with the camera
+    // stopped: otherwise Qt 6.4 may run the camera in another of its formats.
+    m_camera.stop();
+    m_session.setRecorder(&m_recorder);
     // VP8 in WebM: the encoder every GStreamer installation ships with.
     QMediaFormat format(QMediaFormat::WebM);
     format.setVideoCodec(QMediaFormat::VideoCodec::VP8);
@@ -247,6 +254,8 @@ void QtCameraControl::startCapture(const QString& file, int milliseconds) {
         m_recorder.setVideoResolution(m_cameraFormat.resolution());
         m_recorder.setVideoFrameRate(m_cameraFormat.maxFrameRate());
     }
+    m_camera.setCameraFormat(m_cameraFormat);
+    startCamera();
     m_recorder.setOutputLocation(QUrl::fromLocalFile(file));
     m_recorder.record();
     m_captureTimer.start(milliseconds);
@@ -271,8 +280,10 @@ void QtCameraControl::finishCapture(CaptureFailure result) {
     m_captureTimer.stop();
     if (m_recorder.recorderState() != QMediaRecorder::StoppedState)
         m_recorder.stop();
-    if (!m_previewWanted)
-        m_camera.stop();
+    m_camera.stop();
+    m_session.setRecorder(nullptr);
+    if (m_previewWanted)
+        startCamera();
     Q_EMIT captureFinished(result, file);
 }
 

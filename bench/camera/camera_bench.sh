@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# Camera preview bench: the camera pane's preview and gst-launch-1.0 show the
+# same test camera (videotestsrc, 640x480 YUY2 at 30 fps) in a window of the
+# same size on a private Xvfb screen, one after the other, and the CPU ratio
+# is printed (target: at most 1.2).
+#   bench/camera/camera_bench.sh PREVIEW_BENCH PLUGIN_DIR [--seconds N]
+set -euo pipefail
+bench=${1:?usage: camera_bench.sh PREVIEW_BENCH PLUGIN_DIR [--seconds N]}
+plugins=${2:?usage: camera_bench.sh PREVIEW_BENCH PLUGIN_DIR [--seconds N]}
+shift 2
+seconds=8
+while [ $# -gt 0 ]; do
+  case "$1" in
+    --seconds) seconds=$2; shift 2 ;;
+    *) echo "unknown option $1" >&2; exit 2 ;;
+  esac
+done
+work=$(mktemp -d)
+pids=()
+cleanup() { for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done; rm -rf "$work"; }
+trap cleanup EXIT
+
+Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp +extension MIT-SHM 3>"$work/display" 2>/dev/null &
+pids+=($!)
+for _ in $(seq 100); do [ -s "$work/display" ] && break; sleep 0.05; done
+export DISPLAY=:$(head -1 "$work/display")
+export GST_PLUGIN_PATH=$plugins GST_REGISTRY=$work/registry.bin QT_QPA_PLATFORM=xcb
+export HOME=$work XDG_RUNTIME_DIR=$work
+gst-inspect-1.0 >/dev/null 2>&1 || true # builds the registry outside the measurement
+
+# (time puts a "Command exited with non-zero status" line first when the run was stopped)
+cpu() { tail -1 "$1" | awk '{print $1 + $2}'; }
+
+run_pair() {
+  local width=$1 height=$2
+  /usr/bin/time -f "%U %S" -o "$work/ours.time" \
+    "$bench" "$width" "$height" "$seconds" "640x480 YUY2 30 fps" >"$work/ours.out" 2>/dev/null || true
+  /usr/bin/time -f "%U %S" -o "$work/peer.time" \
+    timeout -s INT "$seconds" gst-launch-1.0 -q videotestsrc is-live=true horizontal-speed=3 \
+    ! video/x-raw,format=YUY2,width=640,height=480,framerate=30/1 ! videoconvert ! videoscale \
+    ! "video/x-raw,width=$width,height=$height" ! ximagesink sync=false >/dev/null 2>&1 || true
+  awk -v n="${width}x${height}" -v oc="$(cpu "$work/ours.time")" -v pc="$(cpu "$work/peer.time")" \
+      -v painted="$(awk '{print $1}' "$work/ours.out")" -v s="$seconds" 'BEGIN {
+    printf "%-9s cpu s/s ours %.3f gst-launch %.3f ratio %.2f (target <= 1.20) | ours painted %.1f fps\n",
+      n, oc/s, pc/s, (pc > 0 ? oc/pc : 0), painted/s }'
+}
+
+echo "== $seconds s per run, test camera 640x480 YUY2 30 fps, on a private Xvfb screen"
+run_pair 580 435
+run_pair 145 109
