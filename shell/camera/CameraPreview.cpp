@@ -1,5 +1,7 @@
 #include "shell/camera/CameraPreview.h"
 
+#include "shell/camera/FrameImage.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
@@ -16,19 +18,23 @@ CameraPreview::CameraPreview(QWidget* parent)
 
 void CameraPreview::setFrame(const QVideoFrame& frame) {
     m_frame = frame;
+    m_pictureStale = true;
     m_noCamera = false;
     update();
 }
 
 void CameraPreview::clear() {
     m_frame = QVideoFrame();
+    m_picture = QImage();
     update();
 }
 
 void CameraPreview::setNoCamera(bool none) {
     m_noCamera = none;
-    if (none)
+    if (none) {
         m_frame = QVideoFrame();
+        m_picture = QImage();
+    }
     update();
 }
 
@@ -82,18 +88,21 @@ void CameraPreview::paintEvent(QPaintEvent*) {
     painter.fillPath(shape, QColor(0x0d, 0x0f, 0x12));
     painter.setClipPath(shape);
     if (m_frame.isValid()) {
-        const QImage image = m_frame.toImage();
-        if (!image.isNull()) {
-            QRect target = pictureRect(size(), image.size(), m_keepAspect);
-            if (m_shape == InsetShape::Circle && !m_keepAspect) {
-                // A round inset shows the picture's middle, undistorted.
-                const QRect circle = shape.boundingRect().toAlignedRect();
-                target =
-                    QRect(QPoint(0, 0), image.size().scaled(circle.size(), Qt::KeepAspectRatioByExpanding));
-                target.moveCenter(circle.center());
-            }
-            painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
-            painter.drawImage(target, image);
+        QRect target = pictureRect(size(), m_frame.size(), m_keepAspect);
+        if (m_shape == InsetShape::Circle && !m_keepAspect) {
+            // A round inset shows the picture's middle, undistorted.
+            const QRect circle = shape.boundingRect().toAlignedRect();
+            target =
+                QRect(QPoint(0, 0), m_frame.size().scaled(circle.size(), Qt::KeepAspectRatioByExpanding));
+            target.moveCenter(circle.center());
+        }
+        // Each frame is converted once, at the size it is shown.
+        if (m_picture.size() != target.size() || m_pictureStale) {
+            m_picture = frameImage(m_frame, target.size());
+            m_pictureStale = false;
+        }
+        if (!m_picture.isNull()) {
+            painter.drawImage(target.topLeft(), m_picture);
             ++m_framesPainted;
         }
     } else if (m_noCamera) {

@@ -9,6 +9,7 @@
 //
 // Thread contract: UI thread only.
 
+#include <QImage>
 #include <QVideoFrame>
 #include <QWidget>
 
@@ -52,6 +53,8 @@ protected:
 
 private:
     QVideoFrame m_frame;
+    QImage m_picture; // m_frame as last painted
+    bool m_pictureStale = false;
     bool m_noCamera = false;
     bool m_keepAspect = false;
     InsetShape m_shape = InsetShape::Rectangle;

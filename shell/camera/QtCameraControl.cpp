@@ -116,8 +116,7 @@ void QtCameraControl::selectDevice(const QString& name) {
         startCamera();
 }
 
-void QtCameraControl::selectFormat(const QString& name)
-{
+void QtCameraControl::selectFormat(const QString& name) {
     for (const QCameraFormat& format : m_camera.cameraDevice().videoFormats()) {
         if (nameOf(format) == name) {
             // Qt 6.4 relinks a running camera unreliably: restart it.
