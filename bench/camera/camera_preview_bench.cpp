@@ -30,10 +30,11 @@ int main(int argc, char** argv) {
             control.selectFormat(QString::fromUtf8(argv[4]));
         control.startPreview();
     };
-    // The camera may be announced a moment after the start.
+    // The camera starts once the window shows and the event loop runs, as in
+    // the pane; it may be announced a moment after the start.
     QObject::connect(&control, &mirabend::CameraControl::devicesChanged, &app, start);
-    start();
     preview.show();
+    QTimer::singleShot(0, &app, start);
     QTimer::singleShot(seconds * 1000, &app, &QApplication::quit);
     app.exec();
     std::printf("%ld %ld\n", preview.framesPainted(), control.droppedFrames());

@@ -40,6 +40,8 @@ QtCameraControl::QtCameraControl(AnalogueInputOpener openAnalogue, QObject* pare
                 finishCapture({CaptureError::RecorderFailed, text.toStdString()});
             });
     m_captureTimer.setSingleShot(true);
+    m_startWatch.setInterval(kSilentStartMs);
+    connect(&m_startWatch, &QTimer::timeout, this, &QtCameraControl::onStartWatch);
     connect(&m_captureTimer, &QTimer::timeout, &m_recorder, &QMediaRecorder::stop);
 
     const QCameraDevice initial = QMediaDevices::defaultVideoInput();
@@ -50,6 +52,7 @@ QtCameraControl::QtCameraControl(AnalogueInputOpener openAnalogue, QObject* pare
 QtCameraControl::~QtCameraControl() {
     m_sink.disconnect(this);
     m_captureTimer.stop();
+    m_startWatch.stop();
     m_camera.stop();
     // The session lets go of its parts before they go.
     m_session.setRecorder(nullptr);
@@ -119,6 +122,8 @@ void QtCameraControl::selectDevice(const QString& name) {
 void QtCameraControl::selectFormat(const QString& name) {
     for (const QCameraFormat& format : m_camera.cameraDevice().videoFormats()) {
         if (nameOf(format) == name) {
+            if (name == m_formatName && format == m_cameraFormat)
+                return; // in use already: no restart
             // Qt 6.4 relinks a running camera unreliably: restart it.
             const bool running = m_camera.isActive();
             m_camera.stop();
@@ -151,7 +156,27 @@ void QtCameraControl::startCamera() {
     if (m_deviceName.isEmpty() || m_camera.isActive())
         return;
     ++m_cameraStarts;
+    m_frameSinceStart = false;
     m_camera.start();
+    m_startWatch.start();
+}
+
+void QtCameraControl::onStartWatch() {
+    if (!m_camera.isActive() || m_deviceName.isEmpty() || capturing()) {
+        m_startWatch.stop();
+        return;
+    }
+    if (m_frameSinceStart) {
+        m_frameSinceStart = false;
+        m_silentStarts = 0;
+        return;
+    }
+    if (++m_silentStarts > kSilentStartRetries) {
+        m_startWatch.stop(); // the pane stays empty, without a message
+        return;
+    }
+    m_camera.stop();
+    startCamera();
 }
 
 void QtCameraControl::startPreview() {
@@ -225,8 +250,10 @@ void QtCameraControl::deliverFrame() {
         m_pendingFrame = QVideoFrame();
         m_deliveryQueued = false;
     }
-    if (frame.isValid() && m_camera.isActive() && !m_deviceName.isEmpty())
+    if (frame.isValid() && m_camera.isActive() && !m_deviceName.isEmpty()) {
+        m_frameSinceStart = true;
         Q_EMIT frameReady(frame);
+    }
 }
 
 void QtCameraControl::startCapture(const QString& file, int milliseconds) {

@@ -33,6 +33,8 @@ namespace mirabend {
 class QtCameraControl final : public CameraControl {
     Q_OBJECT
 public:
+    static constexpr int kSilentStartMs = 3000;
+    static constexpr int kSilentStartRetries = 3;
     explicit QtCameraControl(AnalogueInputOpener openAnalogue, QObject* parent = nullptr);
     ~QtCameraControl() override;
 
@@ -60,6 +62,7 @@ private:
     void onDevicesChanged();
     void takeUp(const QCameraDevice& device);
     void onSinkFrame(const QVideoFrame& frame);
+    void onStartWatch();
     void deliverFrame();
     void startCamera();
     void finishCapture(CaptureFailure result);
@@ -72,6 +75,12 @@ private:
     QVideoSink m_sink;
     QMediaRecorder m_recorder;
     QTimer m_captureTimer;
+    // Qt 6.4's GStreamer camera now and then starts without frames, or stops
+    // after the first: a running camera that stays silent is restarted, a
+    // few times in a row at most.
+    QTimer m_startWatch;
+    int m_silentStarts = 0;
+    bool m_frameSinceStart = false;
     QString m_deviceName;
     QByteArray m_deviceId;
     QString m_formatName;
