@@ -7,13 +7,31 @@
 #include "shell/camera/QtCameraControl.h"
 #include "shell/camera/V4l2Input.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFormLayout>
 #include <QLabel>
 #include <QLayout>
 #include <QPushButton>
+#include <QScrollBar>
 
 namespace mirabend {
+
+namespace {
+
+// Device and format names are longer than the task pane is wide: the open
+// list shows them whole, and the closed box's tooltip says the chosen one.
+void showWholeNames(QComboBox* list) {
+    QObject::connect(list, &QComboBox::currentTextChanged, list, [list](const QString& text) {
+        list->setToolTip(text);
+        list->view()->setMinimumWidth(list->view()->sizeHintForColumn(0) + 2 * list->view()->frameWidth() +
+                                      list->view()->verticalScrollBar()->sizeHint().width());
+    });
+    list->setToolTip(list->currentText());
+}
+
+} // namespace
 
 CameraWiring::CameraWiring(Mirabend_frm& window, Prompts& prompts)
     : m_window(window)
@@ -36,6 +54,12 @@ void CameraWiring::attach() {
     pane->setStyleSheet(QStringLiteral("QWidget#VideoCap1 { background: transparent; }"));
     auto* preview = new CameraPreview(pane);
     pane->layout()->addWidget(preview);
+
+    // Labels above the lists, so the lists get the bar's whole width.
+    if (auto* form = panel->findChild<QFormLayout*>())
+        form->setRowWrapPolicy(QFormLayout::WrapAllRows);
+    showWholeNames(panel->cboDevice());
+    showWholeNames(panel->cboVideoFormat());
 
     auto* shape = new QComboBox(panel);
     shape->setObjectName(QStringLiteral("cboInsetShape"));

@@ -11,6 +11,7 @@
 #include "shell/wiring/CameraWiring.h"
 #include "support/MediaProbe.h"
 #include "support/ScriptedPrompts.h"
+#include "util/ExplorerBar.h"
 
 #include <QComboBox>
 #include <QFile>
@@ -265,6 +266,11 @@ TEST_F(CameraWindow, TheChosenShapeStaysThroughModeChangesAndNoCameraIsSaid) {
     EXPECT_EQ(preview->shape(), InsetShape::Circle);
     const QImage shot = grabStage();
     shot.save(QString::fromLocal8Bit(qgetenv("MIRABEND_BINARY_DIR")) + "/tests/camera-circle.png");
+    window->context().ebDemo->group(QStringLiteral("camera"))->setExpanded(true);
+    waitFor([] { return false; }, 300);
+    QGuiApplication::primaryScreen()
+        ->grabWindow(window->winId())
+        .save(QString::fromLocal8Bit(qgetenv("MIRABEND_BINARY_DIR")) + "/tests/camera-window.png");
     const QRect inset = pane->geometry();
     // The inset's corner shows the stage behind the round picture, its middle the picture.
     EXPECT_LT(qGray(shot.pixel(inset.topLeft() + QPoint(2, 2))), 90);
