@@ -98,7 +98,7 @@ void CameraPreview::paintEvent(QPaintEvent*) {
         }
         // Each frame is converted once, at the size it is shown.
         if (m_picture.size() != target.size() || m_pictureStale) {
-            m_picture = frameImage(m_frame, target.size());
+            m_picture = frameImage(m_frame, target.size(), std::move(m_picture));
             m_pictureStale = false;
         }
         if (!m_picture.isNull()) {

@@ -7,15 +7,37 @@ namespace mirabend {
 
 namespace {
 
-// BT.601 studio range, as cameras deliver it.
-inline QRgb rgbOf(int y, int u, int v) {
-    const int c = 298 * (y - 16) + 128;
-    const int d = u - 128;
-    const int e = v - 128;
-    const auto clamp = [](int value) {
-        return std::clamp(value >> 8, 0, 255);
-    };
-    return qRgb(clamp(c + 409 * e), clamp(c - 100 * d - 208 * e), clamp(c + 516 * d));
+// BT.601 studio range, as cameras deliver it, by table: one sum and a
+// clamp per channel.
+struct YuvTables {
+    int luma[256], redV[256], greenU[256], greenV[256], blueU[256];
+    uchar clamp[1024]; // (sum >> 8) + kClampOffset
+    static constexpr int kClampOffset = 384;
+
+    YuvTables() {
+        for (int i = 0; i < 256; ++i) {
+            luma[i] = 298 * (i - 16) + 128;
+            redV[i] = 409 * (i - 128);
+            greenU[i] = -100 * (i - 128);
+            greenV[i] = -208 * (i - 128);
+            blueU[i] = 516 * (i - 128);
+        }
+        for (int i = 0; i < 1024; ++i)
+            clamp[i] = static_cast<uchar>(std::clamp(i - kClampOffset, 0, 255));
+    }
+    QRgb rgb(int y, int u, int v) const {
+        const int c = luma[y];
+        const auto channel = [this](int sum) {
+            return uint(clamp[(sum >> 8) + kClampOffset]);
+        };
+        return 0xff000000u | channel(c + redV[v]) << 16 | channel(c + greenU[u] + greenV[v]) << 8 |
+               channel(c + blueU[u]);
+    }
+};
+
+const YuvTables& yuvTables() {
+    static const YuvTables tables;
+    return tables;
 }
 
 enum class Layout { Packed422, Planar420, SemiPlanar420, Other };
@@ -76,8 +98,9 @@ std::vector<int> samplePositions(int source, int target) {
     return positions;
 }
 
-QImage convertYuv(const MappedFrame& in, QSize source, QSize size, const Sampling& s) {
-    QImage out(size, QImage::Format_RGB32);
+void convertYuv(const MappedFrame& in, QSize source, QImage& out, const Sampling& s) {
+    const QSize size = out.size();
+    const YuvTables& t = yuvTables();
     const std::vector<int> xs = samplePositions(source.width(), size.width());
     const std::vector<int> ys = samplePositions(source.height(), size.height());
     for (int y = 0; y < size.height(); ++y) {
@@ -89,7 +112,7 @@ QImage convertYuv(const MappedFrame& in, QSize source, QSize size, const Samplin
             for (int x = 0; x < size.width(); ++x) {
                 const int sx = xs[static_cast<size_t>(x)];
                 const uchar* pair = row + (sx & ~1) * 2;
-                line[x] = rgbOf(pair[s.yOffset + (sx & 1) * 2], pair[s.uOffset], pair[s.vOffset]);
+                line[x] = t.rgb(pair[s.yOffset + (sx & 1) * 2], pair[s.uOffset], pair[s.vOffset]);
             }
             break;
         }
@@ -99,7 +122,7 @@ QImage convertYuv(const MappedFrame& in, QSize source, QSize size, const Samplin
             const uchar* v = in.row(s.vOffset, sy / 2);
             for (int x = 0; x < size.width(); ++x) {
                 const int sx = xs[static_cast<size_t>(x)];
-                line[x] = rgbOf(luma[sx], u[sx / 2], v[sx / 2]);
+                line[x] = t.rgb(luma[sx], u[sx / 2], v[sx / 2]);
             }
             break;
         }
@@ -109,7 +132,7 @@ QImage convertYuv(const MappedFrame& in, QSize source, QSize size, const Samplin
             for (int x = 0; x < size.width(); ++x) {
                 const int sx = xs[static_cast<size_t>(x)];
                 const uchar* pair = chroma + (sx & ~1);
-                line[x] = rgbOf(luma[sx], pair[s.uOffset], pair[s.vOffset]);
+                line[x] = t.rgb(luma[sx], pair[s.uOffset], pair[s.vOffset]);
             }
             break;
         }
@@ -117,12 +140,11 @@ QImage convertYuv(const MappedFrame& in, QSize source, QSize size, const Samplin
             break;
         }
     }
-    return out;
 }
 
 } // namespace
 
-QImage frameImage(const QVideoFrame& frame, QSize size) {
+QImage frameImage(const QVideoFrame& frame, QSize size, QImage reuse) {
     if (!frame.isValid() || size.isEmpty())
         return {};
     const QSize source = frame.size();
@@ -132,8 +154,13 @@ QImage frameImage(const QVideoFrame& frame, QSize size) {
         const MappedFrame in(frame);
         if (!in.mapped() || source.isEmpty())
             return {};
-        if (sampling.layout != Layout::Other)
-            return convertYuv(in, source, size, sampling);
+        if (sampling.layout != Layout::Other) {
+            QImage out = reuse.size() == size && reuse.format() == QImage::Format_RGB32
+                             ? std::move(reuse)
+                             : QImage(size, QImage::Format_RGB32);
+            convertYuv(in, source, out, sampling);
+            return out;
+        }
         // RGB or grey: a view on the mapped bytes, scaled into a copy of our own.
         const QImage view(in.row(0, 0), source.width(), source.height(), in.bytesPerLine(0), rgb);
         return view.scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation)

@@ -13,7 +13,8 @@
 namespace mirabend {
 
 // `frame` scaled to `size` (nearest sample); a null image when the frame
-// cannot be read.
-QImage frameImage(const QVideoFrame& frame, QSize size);
+// cannot be read. A `reuse` image of that size that nothing else shares
+// (moved in) is written over instead of allocating a new one.
+QImage frameImage(const QVideoFrame& frame, QSize size, QImage reuse = QImage());
 
 } // namespace mirabend
