@@ -13,6 +13,7 @@ CameraPreview::CameraPreview(QWidget* parent)
     // Only the inset's shape is painted; around a rounded or round inset the
     // stage shows through.
     setAttribute(Qt::WA_NoSystemBackground);
+    setAttribute(Qt::WA_OpaquePaintEvent);
     setAutoFillBackground(false);
 }
 
@@ -45,6 +46,7 @@ void CameraPreview::setKeepAspect(bool keep) {
 
 void CameraPreview::setShape(InsetShape shape) {
     m_shape = shape;
+    setAttribute(Qt::WA_OpaquePaintEvent, shape == InsetShape::Rectangle);
     update();
 }
 
@@ -85,8 +87,13 @@ void CameraPreview::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing, m_shape != InsetShape::Rectangle);
     const QPainterPath shape = outline(size(), m_shape);
-    painter.fillPath(shape, QColor(0x0d, 0x0f, 0x12));
-    painter.setClipPath(shape);
+    // A rectangle is painted whole (the stage under it is not); a picture
+    // that covers it needs no background.
+    const bool rectangle = m_shape == InsetShape::Rectangle;
+    if (!rectangle || !m_frame.isValid() || m_keepAspect)
+        painter.fillPath(shape, QColor(0x0d, 0x0f, 0x12));
+    if (!rectangle)
+        painter.setClipPath(shape);
     if (m_frame.isValid()) {
         QRect target = pictureRect(size(), m_frame.size(), m_keepAspect);
         if (m_shape == InsetShape::Circle && !m_keepAspect) {
