@@ -200,6 +200,20 @@ protected:
             .toImage()
             .convertToFormat(QImage::Format_RGB32);
     }
+    // Records the stage window for a few seconds; returns the file.
+    std::string recordStage(TempFolder& folder) {
+        const std::string file = folder.file("stage.mkv");
+        Screen2Video recorder;
+        recorder.OutputFileName(QString::fromStdString(file));
+        recorder.OutputFormat(5);
+        recorder.FrameRate(10);
+        recorder.AudioEnabled(false);
+        recorder.CaptureWindowHandle(QString::number(window->context().stage->winId()));
+        EXPECT_TRUE(recorder.StartCapture()) << recorder.LastFailure().detail;
+        waitFor([&] { return recorder.Counters().secondsRecorded >= 2.5; });
+        recorder.StopCapture();
+        return file;
+    }
     static int differingPixels(const QImage& a, const QImage& b, const QRect& area) {
         int count = 0;
         for (int y = area.top(); y <= area.bottom(); ++y)
@@ -234,16 +248,7 @@ TEST_F(CameraWindow, ThePaneShowsAMovingPictureThatTheStageRecordingHolds) {
 
     // Record the stage window meanwhile and find the camera in the file.
     TempFolder folder("mirabend-camera-rec");
-    const std::string file = folder.file("stage.mkv");
-    Screen2Video recorder;
-    recorder.OutputFileName(QString::fromStdString(file));
-    recorder.OutputFormat(5);
-    recorder.FrameRate(10);
-    recorder.AudioEnabled(false);
-    recorder.CaptureWindowHandle(QString::number(window->context().stage->winId()));
-    ASSERT_TRUE(recorder.StartCapture()) << recorder.LastFailure().detail;
-    waitFor([&] { return recorder.Counters().secondsRecorded >= 2.5; });
-    recorder.StopCapture();
+    const std::string file = recordStage(folder);
     const MediaInfo info = probe(file);
     ASSERT_TRUE(info.opened);
     EXPECT_EQ(info.width, 800);
@@ -275,6 +280,12 @@ TEST_F(CameraWindow, TheChosenShapeStaysThroughModeChangesAndNoCameraIsSaid) {
     // The inset's corner shows the stage behind the round picture, its middle the picture.
     EXPECT_LT(qGray(shot.pixel(inset.topLeft() + QPoint(2, 2))), 90);
     EXPECT_GT(qGray(shot.pixel(inset.center() + QPoint(-25, -10))), 120);
+    // The recording shows the same round inset.
+    TempFolder folder("mirabend-camera-rec");
+    const std::string file = recordStage(folder);
+    EXPECT_GT(brightestLuma(file, inset.center().x() - 30, inset.center().y() - 30, 60, 15, 1.0), 130)
+        << "four bars of the picture, one at least bright";
+    EXPECT_LT(brightestLuma(file, inset.left(), inset.top(), 6, 6, 1.0), 90) << "the inset's corner is stage";
 
     // (Without a sound server here the window has said there is no audio input.)
     const auto messages = prompts.messages.size();
