@@ -15,15 +15,8 @@ while [ $# -gt 0 ]; do
     *) echo "unknown option $1" >&2; exit 2 ;;
   esac
 done
-work=$(mktemp -d)
-pids=()
-cleanup() { for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done; rm -rf "$work"; }
-trap cleanup EXIT
-
-Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp +extension MIT-SHM 3>"$work/display" 2>/dev/null &
-pids+=($!)
-for _ in $(seq 100); do [ -s "$work/display" ] && break; sleep 0.05; done
-export DISPLAY=:$(head -1 "$work/display")
+# shellcheck source=../private_xvfb.sh
+source "$(dirname "$0")/../private_xvfb.sh"
 export GST_PLUGIN_PATH=$plugins GST_REGISTRY=$work/registry.bin QT_QPA_PLATFORM=xcb
 export HOME=$work XDG_RUNTIME_DIR=$work
 gst-inspect-1.0 >/dev/null 2>&1 || true # builds the registry outside the measurement
