@@ -103,6 +103,12 @@ void convertYuv(const MappedFrame& in, QSize source, QImage& out, const Sampling
     const YuvTables& t = yuvTables();
     const std::vector<int> xs = samplePositions(source.width(), size.width());
     const std::vector<int> ys = samplePositions(source.height(), size.height());
+    // Packed: each target column's pair of pixels, and its luma byte in the pair.
+    std::vector<int> pairs(xs.size()), lumas(xs.size());
+    for (size_t x = 0; x < xs.size(); ++x) {
+        pairs[x] = (xs[x] & ~1) * 2;
+        lumas[x] = s.yOffset + (xs[x] & 1) * 2;
+    }
     for (int y = 0; y < size.height(); ++y) {
         const int sy = ys[static_cast<size_t>(y)];
         auto* line = reinterpret_cast<QRgb*>(out.scanLine(y));
@@ -110,9 +116,8 @@ void convertYuv(const MappedFrame& in, QSize source, QImage& out, const Sampling
         case Layout::Packed422: {
             const uchar* row = in.row(0, sy);
             for (int x = 0; x < size.width(); ++x) {
-                const int sx = xs[static_cast<size_t>(x)];
-                const uchar* pair = row + (sx & ~1) * 2;
-                line[x] = t.rgb(pair[s.yOffset + (sx & 1) * 2], pair[s.uOffset], pair[s.vOffset]);
+                const uchar* pair = row + pairs[static_cast<size_t>(x)];
+                line[x] = t.rgb(pair[lumas[static_cast<size_t>(x)]], pair[s.uOffset], pair[s.vOffset]);
             }
             break;
         }
