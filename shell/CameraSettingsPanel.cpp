@@ -61,6 +61,7 @@ CameraSettingsPanel::CameraSettingsPanel(QWidget* parent)
     }
 
     auto* form = new QFormLayout;
+    m_form = form;
     form->setContentsMargins(0, 0, 0, 0);
     form->addRow(tr("Device"), m_device);
     form->addRow(tr("Format"), m_format);
@@ -129,6 +130,8 @@ void CameraSettingsPanel::fillList(QComboBox* list, const QStringList& names)
     list->addItems(names);
     list->setCurrentIndex(names.isEmpty() ? -1 : 0);
 }
+
+void CameraSettingsPanel::addRow(const QString& label, QWidget* field) { m_form->addRow(label, field); }
 
 void CameraSettingsPanel::fillStandards() { fillList(m_standard, videoStandards()); }
 

@@ -10,6 +10,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QFormLayout;
 class QLabel;
 class QPushButton;
 
@@ -38,6 +39,8 @@ public:
     // Fills a list with names and selects the first entry when there is one.
     static void fillList(QComboBox* list, const QStringList& names);
     void fillStandards();
+    // Adds a labelled field under the lists (for settings a subsystem brings).
+    void addRow(const QString& label, QWidget* field);
 
 Q_SIGNALS:
     void cornerClicked(int corner);
@@ -55,6 +58,7 @@ private:
     QPushButton* m_apply;
     QPushButton* m_captureTest;
     std::array<QLabel*, 4> m_corners{};
+    QFormLayout* m_form = nullptr;
 };
 
 } // namespace mirabend

@@ -7,6 +7,7 @@
 #include "shell/slideshow/SlideShowFactory.h"
 #include "shell/wiring/AudioWiring.h"
 #include "shell/wiring/NotesWiring.h"
+#include "shell/wiring/CameraWiring.h"
 #include "shell/wiring/RecordingWiring.h"
 #include "shell/wiring/WebAboutWiring.h"
 #include "util/CommandLineTool.h"
@@ -28,6 +29,7 @@ ShellServices makeShellServices(Prompts& prompts)
     };
     addWebAboutAndResolution(services, prompts);
     services.attachPanes.push_back([&prompts](Mirabend_frm& window) { attachNotes(window, prompts); });
+    installCamera(services, prompts);
     return services;
 }
 

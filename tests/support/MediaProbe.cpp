@@ -78,6 +78,9 @@ MediaInfo probe(const std::string& file) {
             if (pts != AV_NOPTS_VALUE) {
                 const double end = (pts + std::max<int64_t>(packet->duration, 0)) * av_q2d(st->time_base);
                 info.videoSeconds = std::max(info.videoSeconds, end);
+                const double start = pts * av_q2d(st->time_base);
+                info.videoStartSeconds =
+                    info.videoPackets == 1 ? start : std::min(info.videoStartSeconds, start);
             }
         } else if (packet->stream_index == audioIndex && decoder) {
             if (avcodec_send_packet(decoder.get(), packet.get()) >= 0)

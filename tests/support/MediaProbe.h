@@ -17,9 +17,10 @@ struct MediaInfo {
     int sampleRate = 0;
     int channels = 0;
     long videoPackets = 0;
-    double videoSeconds = 0; // last video packet's end
-    double audioSeconds = 0; // decoded samples / rate
-    double audioRms = 0;     // of the decoded sound, 0..1
+    double videoSeconds = 0;      // last video packet's end
+    double videoStartSeconds = 0; // first video packet's start
+    double audioSeconds = 0;      // decoded samples / rate
+    double audioRms = 0;          // of the decoded sound, 0..1
 };
 
 MediaInfo probe(const std::string& file);
