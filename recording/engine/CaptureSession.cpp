@@ -1,5 +1,7 @@
 #include "recording/engine/CaptureSession.h"
 
+#include "recording/engine/FrameRepeater.h"
+
 #include <QDateTime>
 #include <QGuiApplication>
 #include <QImage>
@@ -347,15 +349,18 @@ void CaptureSession::producerDone()
 
 void CaptureSession::videoEncodeLoop()
 {
-    const auto sink = [&](PacketPtr p) {
-        pushToMux(std::move(p), 0);
-    };
+    FrameRepeater out(m_videoEncoder, m_plan.video.gopSize, [&](PacketPtr p) { pushToMux(std::move(p), 0); });
     // Fill short gaps with the previous picture so players see a steady
     // rate; SWF counts frames, not time, so there every gap is filled.
     const std::int64_t maxFill = m_plan.constantFrameRate ? INT64_MAX : std::max(1, m_plan.video.gopSize) * 2;
     FramePtr last;
     std::int64_t lastSlot = -1;
     bool failed = false;
+    const auto stop = [&](int ret) {
+        fail(RecorderError::CaptureFailed, "the video encoder failed: " + avErrorText(ret));
+        failed = true;
+        endNow();
+    };
     while (std::optional<VideoItem> item = m_videoQueue.pop()) {
         if (m_writeFailed || failed)
             continue;
@@ -365,42 +370,50 @@ void CaptureSession::videoEncodeLoop()
                            (gap <= maxFill && m_videoQueue.size() < m_videoQueue.capacity() / 2));
         for (std::int64_t s = lastSlot + 1; fill && s < item->slot && !m_writeFailed; ++s) {
             StageProfile::Scope scope(m_profile, StageProfile::Encode);
-            last->pts = s;
-            if (m_videoEncoder.encode(last.get(), sink) < 0)
+            if (out.repeat(last.get(), s) < 0)
                 break;
             ++m_framesDuplicated;
             ++m_framesWritten;
             lastSlot = s;
         }
-        // A still picture is encoded again from the last converted frame;
-        // changed rows are converted into it; a whole picture is converted
-        // anew.
-        FramePtr frame;
-        {
-            StageProfile::Scope scope(m_profile, StageProfile::Convert);
-            frame = nextPicture(*item, last);
+        int ret = 0;
+        if (item->bands.empty() && last) {
+            // Nothing changed: the last picture again, skipped where the
+            // codec allows.
+            StageProfile::Scope scope(m_profile, StageProfile::Encode);
+            ret = out.repeat(last.get(), item->slot);
+        } else {
+            // Changed rows are converted into the last picture; a whole
+            // picture is converted anew.
+            if (last && (ret = out.beforeChange(last.get())) < 0) {
+                stop(ret);
+                continue;
+            }
+            FramePtr frame;
+            {
+                StageProfile::Scope scope(m_profile, StageProfile::Convert);
+                frame = nextPicture(*item, last);
+            }
+            item->packet.reset();
+            if (!frame) {
+                ++m_framesDropped;
+                continue;
+            }
+            StageProfile::Scope scope(m_profile, StageProfile::Encode);
+            frame->pts = item->slot;
+            ret = out.encodeNew(frame.get());
+            last = std::move(frame);
         }
-        item->packet.reset();
-        if (!frame) {
-            ++m_framesDropped;
-            continue;
-        }
-        StageProfile::Scope scope(m_profile, StageProfile::Encode);
-        frame->pts = item->slot;
-        const int ret = m_videoEncoder.encode(frame.get(), sink);
         if (ret < 0) {
-            fail(RecorderError::CaptureFailed, "the video encoder failed: " + avErrorText(ret));
-            failed = true;
-            endNow();
+            stop(ret);
             continue;
         }
         ++m_framesWritten;
         lastSlot = item->slot;
-        last = std::move(frame);
     }
     last.reset();
     if (!m_writeFailed)
-        m_videoEncoder.encode(nullptr, sink);
+        out.finish();
     producerDone();
 }
 
