@@ -73,14 +73,12 @@ run_case() {
   ffmpeg -loglevel quiet -y -f x11grab -framerate "$fps" -video_size "$size" -i "$DISPLAY+0,0" -t "$seconds" \
     "$@" "$work/peer.$fmt" </dev/null &
   local peer=$!
-  sleep 2
-  local o0 p0 o1 p1 om=0 pm=0
+  local start o0 p0 o1 p1 om=0 pm=0
+  start=$(date +%s.%N)
+  until_t() { local left; left=$(echo "$start + $1 - $(date +%s.%N)" | bc); [ "${left:0:1}" = - ] || sleep "$left"; }
+  until_t 2
   o0=$(cpu_ticks $ours); p0=$(cpu_ticks $peer)
-  local t=2
-  while [ "$(echo "$t < $seconds - 1" | bc)" = 1 ]; do
-    om=$(peak_kb $ours); pm=$(peak_kb $peer)
-    sleep 0.5; t=$(echo "$t + 0.5" | bc)
-  done
+  until_t $((seconds - 1))
   o1=$(cpu_ticks $ours); p1=$(cpu_ticks $peer)
   om=$(peak_kb $ours); pm=$(peak_kb $peer)
   wait $ours 2>/dev/null || true

@@ -411,6 +411,18 @@ void CaptureSession::videoEncodeLoop()
         ++m_framesWritten;
         lastSlot = item->slot;
     }
+    // A stall just before the end leaves the last slots empty: they get the
+    // last picture, like any other short gap.
+    const std::int64_t end = m_endStamp;
+    if (last && end && !failed && !m_writeFailed) {
+        const std::int64_t endSlot = FrameGrid(m_plan.fpsNum, m_plan.fpsDen).slotOf(m_clock.mediaNow(end));
+        for (std::int64_t s = lastSlot + 1; s < endSlot && s - lastSlot <= maxFill && !m_writeFailed; ++s) {
+            if (out.repeat(last.get(), s) < 0)
+                break;
+            ++m_framesDuplicated;
+            ++m_framesWritten;
+        }
+    }
     last.reset();
     if (!m_writeFailed)
         out.finish();

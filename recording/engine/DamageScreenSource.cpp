@@ -14,6 +14,9 @@ namespace mirabend {
 
 namespace {
 
+// Rows per shared slot: two slots of 1920-pixel rows take 2 MB.
+constexpr int kSlotRows = 128;
+
 bool hasExtension(xcb_connection_t* c, xcb_extension_t* ext) {
     const xcb_query_extension_reply_t* data = xcb_get_extension_data(c, ext);
     return data && data->present;
@@ -131,7 +134,8 @@ bool DamageScreenSource::open(const std::string& display, const CaptureTarget& t
         why = "the recorded area is empty";
         return false;
     }
-    if (!m_mirror.create(c, std::size_t(m_width) * 4 * m_height)) {
+    m_slotRows = std::min(m_height, kSlotRows);
+    if (!m_slots.create(c, std::size_t(m_width) * 4 * m_slotRows * 2)) {
         why = "the display cannot share memory with this program";
         return false;
     }
@@ -246,23 +250,68 @@ void DamageScreenSource::fetchCursor(std::vector<RowBand>& changed) {
     m_cursor = std::move(next);
 }
 
-bool DamageScreenSource::grabRows(const std::vector<RowBand>& bands) {
-    xcb_connection_t* c = m_connection.get();
-    std::vector<xcb_shm_get_image_cookie_t> cookies;
-    cookies.reserve(bands.size());
+PacketPtr DamageScreenSource::grabBands(const std::vector<RowBand>& bands, int& error) {
+    const std::size_t rowBytes = std::size_t(m_width) * 4;
+    std::size_t rows = 0;
     for (const RowBand& b : bands)
-        cookies.push_back(xcb_shm_get_image(c, m_drawable, std::int16_t(m_grabLeft),
-                                            std::int16_t(m_grabTop + b.top), std::uint16_t(m_width),
-                                            std::uint16_t(b.height), ~0u, XCB_IMAGE_FORMAT_Z_PIXMAP,
-                                            m_mirror.segment(), std::uint32_t(b.top) * m_width * 4));
-    bool ok = true;
-    for (const xcb_shm_get_image_cookie_t& cookie : cookies) {
-        xcb_generic_error_t* rawError = nullptr;
-        XcbReply<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(c, cookie, &rawError));
-        XcbReply<xcb_generic_error_t> error(rawError);
-        ok = ok && reply && !error;
+        rows += std::size_t(b.height);
+    PacketPtr packet = makePacket();
+    if (!packet || av_new_packet(packet.get(), int(rows * rowBytes)) < 0) {
+        error = AVERROR(ENOMEM);
+        return nullptr;
     }
-    return ok;
+    // The rows come through two shared slots of m_slotRows rows: the server
+    // fills one while the other is copied out.
+    struct Piece {
+        int top;
+        int height;
+        std::uint8_t* out;
+    };
+    std::vector<Piece> pieces;
+    std::uint8_t* out = packet->data;
+    for (const RowBand& b : bands) {
+        for (int y = b.top; y < b.bottom(); y += m_slotRows) {
+            const int h = std::min(m_slotRows, b.bottom() - y);
+            pieces.push_back({y, h, out});
+            out += std::size_t(h) * rowBytes;
+        }
+    }
+    xcb_connection_t* c = m_connection.get();
+    const auto request = [&](std::size_t i) {
+        const Piece& p = pieces[i];
+        return xcb_shm_get_image(c, m_drawable, std::int16_t(m_grabLeft), std::int16_t(m_grabTop + p.top),
+                                 std::uint16_t(m_width), std::uint16_t(p.height), ~0u,
+                                 XCB_IMAGE_FORMAT_Z_PIXMAP, m_slots.segment(),
+                                 std::uint32_t((i % 2) * m_slotRows * rowBytes));
+    };
+    xcb_shm_get_image_cookie_t cookies[2] = {};
+    for (std::size_t i = 0; i < pieces.size() && i < 2; ++i)
+        cookies[i] = request(i);
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        xcb_generic_error_t* rawError = nullptr;
+        XcbReply<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(c, cookies[i % 2], &rawError));
+        XcbReply<xcb_generic_error_t> failed(rawError);
+        if (!reply || failed) {
+            // Collect the reply still on its way before giving up.
+            if (i + 1 < pieces.size())
+                XcbReply<xcb_shm_get_image_reply_t>(
+                    xcb_shm_get_image_reply(c, cookies[(i + 1) % 2], nullptr));
+            error = AVERROR(EIO);
+            return nullptr;
+        }
+        std::memcpy(pieces[i].out, m_slots.data() + (i % 2) * m_slotRows * rowBytes,
+                    std::size_t(pieces[i].height) * rowBytes);
+        if (i + 2 < pieces.size())
+            cookies[i % 2] = request(i + 2);
+    }
+    if (m_drawCursor && m_cursor.shown) {
+        std::uint8_t* rowsOut = packet->data;
+        for (const RowBand& b : bands) {
+            drawCursor(rowsOut, b);
+            rowsOut += std::size_t(b.height) * rowBytes;
+        }
+    }
+    return packet;
 }
 
 void DamageScreenSource::drawCursor(std::uint8_t* rows, const RowBand& band) const {
@@ -295,24 +344,6 @@ void DamageScreenSource::drawCursor(std::uint8_t* rows, const RowBand& band) con
     }
 }
 
-PacketPtr DamageScreenSource::copyRows(const std::vector<RowBand>& bands) const {
-    const std::size_t rowBytes = std::size_t(m_width) * 4;
-    std::size_t rows = 0;
-    for (const RowBand& b : bands)
-        rows += std::size_t(b.height);
-    PacketPtr packet = makePacket();
-    if (!packet || av_new_packet(packet.get(), int(rows * rowBytes)) < 0)
-        return nullptr;
-    std::uint8_t* out = packet->data;
-    for (const RowBand& b : bands) {
-        std::memcpy(out, m_mirror.data() + std::size_t(b.top) * rowBytes, std::size_t(b.height) * rowBytes);
-        if (m_drawCursor && m_cursor.shown)
-            drawCursor(out, b);
-        out += std::size_t(b.height) * rowBytes;
-    }
-    return packet;
-}
-
 int DamageScreenSource::read(ScreenGrab& grab, Want want) {
     if (!waitForFrameTime())
         return AVERROR_EXIT;
@@ -333,18 +364,17 @@ int DamageScreenSource::read(ScreenGrab& grab, Want want) {
     if (m_drawCursor)
         fetchCursor(changed);
     const std::vector<RowBand> bands = padBands(std::move(changed), m_height);
-    if (!bands.empty() && !grabRows(bands))
-        return AVERROR(EIO);
     m_first = false;
     const bool whole = want == Want::Whole || (want == Want::WholeOnChange && !bands.empty());
     grab.bands = whole ? std::vector<RowBand>{{0, m_height}} : bands;
     if (grab.bands.empty())
         return 0;
-    grab.pixels = copyRows(grab.bands);
+    int error = 0;
+    grab.pixels = grabBands(grab.bands, error);
     if (!grab.pixels) {
         m_owed = grab.bands;
         grab.bands.clear();
-        return AVERROR(ENOMEM);
+        return error;
     }
     return 0;
 }

@@ -2,10 +2,11 @@
 // The screen source that grabs only what changed. The DAMAGE extension
 // watches the root window (so every window drawn over the recorded area,
 // children and pop-ups included, is seen); at each frame time the damaged
-// rows of the recorded area are grabbed through MIT-SHM into a mirror of
-// the picture, and only those rows are handed on. A still screen costs one
-// event poll per frame. The pointer is drawn from the XFixes cursor image,
-// as x11grab draws it, onto the rows handed on, never into the mirror.
+// rows of the recorded area are grabbed through MIT-SHM (in slices through
+// two small shared slots, so no copy of the whole picture is kept) and only
+// those rows are handed on. A still screen costs one event poll per frame.
+// The pointer is drawn from the XFixes cursor image, as x11grab draws it,
+// onto the rows handed on.
 //
 // Thread contract: as ScreenSource; open() on the starting thread.
 
@@ -47,12 +48,13 @@ private:
     bool refreshOrigin();
     bool fetchDamage(std::vector<RowBand>& changed);
     void fetchCursor(std::vector<RowBand>& changed);
-    bool grabRows(const std::vector<RowBand>& bands);
-    PacketPtr copyRows(const std::vector<RowBand>& bands) const;
+    // The bands' rows from the server, the pointer drawn on them.
+    PacketPtr grabBands(const std::vector<RowBand>& bands, int& error);
     void drawCursor(std::uint8_t* rows, const RowBand& band) const;
 
     XcbConnection m_connection;
-    ShmSegment m_mirror; // the recorded area, width * 4 bytes a row
+    ShmSegment m_slots; // two slots of m_slotRows rows the server grabs into
+    int m_slotRows = 0;
     XcbResource m_damage;
     XcbResource m_region;
     std::uint32_t m_root = 0;

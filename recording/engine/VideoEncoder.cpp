@@ -164,7 +164,7 @@ bool VideoEncoder::convertsRows() const
 
 bool VideoEncoder::convertRows(AVFrame* frame, const std::uint8_t* bgr0, int linesize, const RowBand& band)
 {
-    constexpr std::size_t kKeptScalers = 6;
+    constexpr std::size_t kKeptScalers = 3;
     auto cached = std::find_if(m_bandScalers.begin(), m_bandScalers.end(),
                                [&](const auto& entry) { return entry.first == band.height; });
     if (cached == m_bandScalers.end()) {
@@ -178,13 +178,14 @@ bool VideoEncoder::convertRows(AVFrame* frame, const std::uint8_t* bgr0, int lin
     } else {
         std::rotate(m_bandScalers.begin(), cached, cached + 1);
     }
-    if (!m_bandFrame) {
+    // As tall as the tallest band so far: small changes keep it small.
+    if (!m_bandFrame || m_bandFrame->height < band.height) {
         m_bandFrame = makeFrame();
         if (!m_bandFrame)
             return false;
         m_bandFrame->format = m_swFormat;
         m_bandFrame->width = m_sourceWidth;
-        m_bandFrame->height = m_sourceHeight;
+        m_bandFrame->height = band.height;
         if (av_frame_get_buffer(m_bandFrame.get(), 0) < 0) {
             m_bandFrame.reset();
             return false;
