@@ -14,9 +14,6 @@ namespace mirabend {
 
 namespace {
 
-// Rows per shared slot: two slots of 1920-pixel rows take 2 MB.
-constexpr int kSlotRows = 128;
-
 bool hasExtension(xcb_connection_t* c, xcb_extension_t* ext) {
     const xcb_query_extension_reply_t* data = xcb_get_extension_data(c, ext);
     return data && data->present;
@@ -31,6 +28,11 @@ ShmSegment::~ShmSegment() {
         xcb_shm_detach(m_connection, m_segment);
     if (m_data)
         shmdt(m_data);
+}
+
+void ShmSegment::release() {
+    m_data = nullptr;
+    m_serverAttached = false;
 }
 
 bool ShmSegment::create(xcb_connection_t* c, std::size_t bytes) {
@@ -134,9 +136,18 @@ bool DamageScreenSource::open(const std::string& display, const CaptureTarget& t
         why = "the recorded area is empty";
         return false;
     }
-    m_slotRows = std::min(m_height, kSlotRows);
-    if (!m_slots.create(c, std::size_t(m_width) * 4 * m_slotRows * 2)) {
-        why = "the display cannot share memory with this program";
+    // Try one segment first: a remote display cannot share memory.
+    {
+        ShmSegment probe;
+        if (!probe.create(c, 4096)) {
+            why = "the display cannot share memory with this program";
+            return false;
+        }
+    }
+    m_pool.reset(av_buffer_pool_init2(std::size_t(m_width) * 4 * m_height + AV_INPUT_BUFFER_PADDING_SIZE,
+                                      this, &DamageScreenSource::allocShared, nullptr));
+    if (!m_pool) {
+        why = "out of memory";
         return false;
     }
     m_damage = XcbResource(c, xcb_generate_id(c), &xcb_damage_destroy);
@@ -250,59 +261,66 @@ void DamageScreenSource::fetchCursor(std::vector<RowBand>& changed) {
     m_cursor = std::move(next);
 }
 
+AVBufferRef* DamageScreenSource::allocShared(void* self, std::size_t size) {
+    auto* source = static_cast<DamageScreenSource*>(self);
+    ShmSegment segment;
+    if (!segment.create(source->m_connection.get(), size))
+        return nullptr;
+    std::uint8_t* data = segment.data();
+    const std::uint32_t id = segment.segment();
+    // From here the buffer owns our mapping; the server's attachment ends
+    // with the connection.
+    segment.release();
+    AVBufferRef* buffer = av_buffer_create(
+        data, size, [](void*, std::uint8_t* d) { shmdt(d); }, nullptr, 0);
+    if (!buffer) {
+        shmdt(data);
+        return nullptr;
+    }
+    source->m_segments.emplace_back(data, id);
+    return buffer;
+}
+
 PacketPtr DamageScreenSource::grabBands(const std::vector<RowBand>& bands, int& error) {
     const std::size_t rowBytes = std::size_t(m_width) * 4;
     std::size_t rows = 0;
     for (const RowBand& b : bands)
         rows += std::size_t(b.height);
     PacketPtr packet = makePacket();
-    if (!packet || av_new_packet(packet.get(), int(rows * rowBytes)) < 0) {
+    if (packet)
+        packet->buf = av_buffer_pool_get(m_pool.get());
+    if (!packet || !packet->buf) {
         error = AVERROR(ENOMEM);
         return nullptr;
     }
-    // The rows come through two shared slots of m_slotRows rows: the server
-    // fills one while the other is copied out.
-    struct Piece {
-        int top;
-        int height;
-        std::uint8_t* out;
-    };
-    std::vector<Piece> pieces;
-    std::uint8_t* out = packet->data;
-    for (const RowBand& b : bands) {
-        for (int y = b.top; y < b.bottom(); y += m_slotRows) {
-            const int h = std::min(m_slotRows, b.bottom() - y);
-            pieces.push_back({y, h, out});
-            out += std::size_t(h) * rowBytes;
-        }
+    packet->data = packet->buf->data;
+    packet->size = int(rows * rowBytes);
+    const auto segment = std::find_if(m_segments.begin(), m_segments.end(),
+                                      [&](const auto& s) { return s.first == packet->data; });
+    if (segment == m_segments.end()) {
+        error = AVERROR(ENOMEM);
+        return nullptr;
     }
+    // The server writes each band straight into the packet's shared memory.
     xcb_connection_t* c = m_connection.get();
-    const auto request = [&](std::size_t i) {
-        const Piece& p = pieces[i];
-        return xcb_shm_get_image(c, m_drawable, std::int16_t(m_grabLeft), std::int16_t(m_grabTop + p.top),
-                                 std::uint16_t(m_width), std::uint16_t(p.height), ~0u,
-                                 XCB_IMAGE_FORMAT_Z_PIXMAP, m_slots.segment(),
-                                 std::uint32_t((i % 2) * m_slotRows * rowBytes));
-    };
-    xcb_shm_get_image_cookie_t cookies[2] = {};
-    for (std::size_t i = 0; i < pieces.size() && i < 2; ++i)
-        cookies[i] = request(i);
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
+    std::vector<xcb_shm_get_image_cookie_t> cookies;
+    std::size_t offset = 0;
+    for (const RowBand& b : bands) {
+        cookies.push_back(xcb_shm_get_image(
+            c, m_drawable, std::int16_t(m_grabLeft), std::int16_t(m_grabTop + b.top), std::uint16_t(m_width),
+            std::uint16_t(b.height), ~0u, XCB_IMAGE_FORMAT_Z_PIXMAP, segment->second, std::uint32_t(offset)));
+        offset += std::size_t(b.height) * rowBytes;
+    }
+    bool ok = true;
+    for (const xcb_shm_get_image_cookie_t& cookie : cookies) {
         xcb_generic_error_t* rawError = nullptr;
-        XcbReply<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(c, cookies[i % 2], &rawError));
+        XcbReply<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(c, cookie, &rawError));
         XcbReply<xcb_generic_error_t> failed(rawError);
-        if (!reply || failed) {
-            // Collect the reply still on its way before giving up.
-            if (i + 1 < pieces.size())
-                XcbReply<xcb_shm_get_image_reply_t>(
-                    xcb_shm_get_image_reply(c, cookies[(i + 1) % 2], nullptr));
-            error = AVERROR(EIO);
-            return nullptr;
-        }
-        std::memcpy(pieces[i].out, m_slots.data() + (i % 2) * m_slotRows * rowBytes,
-                    std::size_t(pieces[i].height) * rowBytes);
-        if (i + 2 < pieces.size())
-            cookies[i % 2] = request(i + 2);
+        ok = ok && reply && !failed;
+    }
+    if (!ok) {
+        error = AVERROR(EIO);
+        return nullptr;
     }
     if (m_drawCursor && m_cursor.shown) {
         std::uint8_t* rowsOut = packet->data;

@@ -2,9 +2,9 @@
 // The screen source that grabs only what changed. The DAMAGE extension
 // watches the root window (so every window drawn over the recorded area,
 // children and pop-ups included, is seen); at each frame time the damaged
-// rows of the recorded area are grabbed through MIT-SHM (in slices through
-// two small shared slots, so no copy of the whole picture is kept) and only
-// those rows are handed on. A still screen costs one event poll per frame.
+// rows of the recorded area are grabbed through MIT-SHM straight into the
+// buffer that is handed on (no copy, no picture kept) and only those rows
+// are handed on. A still screen costs one event poll per frame.
 // The pointer is drawn from the XFixes cursor image, as x11grab draws it,
 // onto the rows handed on.
 //
@@ -14,6 +14,8 @@
 #include "recording/engine/XcbHandles.h"
 
 #include <atomic>
+#include <utility>
+#include <vector>
 
 namespace mirabend {
 
@@ -52,9 +54,19 @@ private:
     PacketPtr grabBands(const std::vector<RowBand>& bands, int& error);
     void drawCursor(std::uint8_t* rows, const RowBand& band) const;
 
+    struct PoolDeleter {
+        void operator()(AVBufferPool* p) const { av_buffer_pool_uninit(&p); }
+    };
+    // Picture-sized MIT-SHM buffers the server grabs into and the rows are
+    // handed on in, used again once the encoder lets go (fresh memory every
+    // frame would cost a page fault per 4 KB). The pool outlives this source
+    // until its last buffer comes back; the server lets go of the segments
+    // when the connection closes.
+    static AVBufferRef* allocShared(void* self, std::size_t size);
+    std::unique_ptr<AVBufferPool, PoolDeleter> m_pool;
     XcbConnection m_connection;
-    ShmSegment m_slots; // two slots of m_slotRows rows the server grabs into
-    int m_slotRows = 0;
+    // The pool's shared segments: mapping address and server id.
+    std::vector<std::pair<const std::uint8_t*, std::uint32_t>> m_segments;
     XcbResource m_damage;
     XcbResource m_region;
     std::uint32_t m_root = 0;

@@ -73,6 +73,9 @@ public:
     // Creates `bytes` of shared memory and attaches the server to it.
     bool create(xcb_connection_t* c, std::size_t bytes);
     std::uint8_t* data() const { return m_data; }
+    // Gives up the mapping (someone else will shmdt() it) and forgets the
+    // server's attachment, which ends with the connection.
+    void release();
     std::uint32_t segment() const { return m_segment; }
 
 private:
