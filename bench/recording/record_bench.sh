@@ -2,7 +2,7 @@
 # Screen recording bench: Mirabend's recorder and the ffmpeg command line
 # record the same Xvfb screen side by side (started together, same codec,
 # size and rate) and one table of ratios is printed.
-#   record_bench.sh DRIVER PAUSE_BENCH CONTENT [--seconds N] [--only PATTERN]
+#   record_bench.sh DRIVER PAUSE_BENCH CONTENT [--seconds N] [--only PATTERN] [--profile]
 # DRIVER is the record_screen_driver (tests/recording/engine), PAUSE_BENCH
 # pause_sync_bench and CONTENT screen_content (this folder).
 #
@@ -12,6 +12,8 @@
 # VmHWM. Frames written / expected counts the packets of each file against
 # rate x seconds. The A/V offset is ours alone (ffmpeg cannot pause): a
 # separate recording with sound, 10 pause/resume cycles, in frames.
+# --profile prints instead where our CPU goes per frame (grab, overlay,
+# conversion, encoding, muxing), whole-frame x11grab against damage tracking.
 set -euo pipefail
 driver=${1:?usage: record_bench.sh DRIVER PAUSE_BENCH CONTENT [--seconds N] [--only PATTERN]}
 pause_bench=${2:?}
@@ -19,10 +21,12 @@ content=${3:?}
 shift 3
 seconds=6
 only=.
+profile=0
 while [ $# -gt 0 ]; do
   case "$1" in
     --seconds) seconds=$2; shift 2 ;;
     --only) only=$2; shift 2 ;;
+    --profile) profile=1; shift ;;
     *) echo "unknown option $1" >&2; exit 2 ;;
   esac
 done
@@ -50,7 +54,7 @@ show() { # still | slides | motion
   case "$1" in
     still) "$content" still & ;;
     slides) "$content" slides 5 & ;;
-    motion) SDL_VIDEODRIVER=x11 ffmpeg -loglevel quiet -re -f lavfi -i testsrc2=s=1920x1080:r=30 -f sdl bench & ;;
+    motion) "$content" motion & ;;
   esac
   content_pid=$!
   pids+=("$content_pid")
@@ -93,6 +97,28 @@ run_case() {
     printf "%-30s %6.3f %6.3f %5.2f | %5.3f %5.3f | %5s | %4.0f %4.0f %5.2f\n", n, oc, pc, (pc > 0 ? oc / pc : 0),
       of / (fps * s), pf / (fps * s), av, om / 1024, pm / 1024, (pm > 0 ? om / pm : 0) }'
 }
+
+# Per-stage CPU per written frame, microseconds, from MIRABEND_RECORD_PROFILE.
+profile_case() { # content WxH fps format backend
+  local size=$2 w=${2%x*} h=${2#*x} line
+  line=$(MIRABEND_RECORD_PROFILE=1 MIRABEND_CAPTURE=$5 "$driver" --record-screen "$work/prof.$4" --no-audio \
+         --fps "$3" --seconds "$seconds" --region "0,0,$w,$h" --size "$size" 2>&1 >/dev/null | grep 'per frame' || true)
+  # "... grab 310 us, overlay 0 us, convert 90 us, encode 2100 us, mux 40 us per frame written"
+  printf "%-38s %6s %6s %6s %6s %6s\n" "$1 $4 $size@$3 $5" $(echo "$line" | grep -oE '[0-9]+ us' | cut -d' ' -f1)
+}
+if [ "$profile" = 1 ]; then
+  echo "== CPU per written frame in us, $seconds s per run"
+  printf "%-38s %6s %6s %6s %6s %6s\n" case grab overl conv encode mux
+  for what in still motion; do
+    show $what
+    for size in 1280x720 1920x1080; do
+      for fmt in mkv flv wmv; do
+        for backend in x11grab damage; do profile_case $what $size 30 $fmt $backend; done
+      done
+    done
+  done
+  exit 0
+fi
 
 echo "== $seconds s per run, side by side with the ffmpeg command line, on a 1920x1080 Xvfb screen"
 printf "%-30s %6s %6s %5s | %5s %5s | %5s | %4s %4s %5s\n" case "cpu" "ffmpeg" ratio "fr/ex" "ffmpg" "A/V" "MB" "ffmpg" ratio

@@ -2,6 +2,10 @@
 //   screen_content still          one slide, painted once
 //   screen_content slides SECONDS a new slide every SECONDS, and the pointer
 //                                 moving in a small circle at 30 Hz
+//   screen_content motion         two slides side by side scrolling across
+//                                 the whole screen at 30 Hz (every pixel
+//                                 changes; the server does the copying, so
+//                                 the content costs little CPU of its own)
 // The slide is a white page with a coloured title band, lines of "text" and
 // a picture box, like a presentation page.
 #include "recording/engine/XcbHandles.h"
@@ -84,6 +88,23 @@ int main(int argc, char** argv) {
     xcb_create_gc(c, gc, window, 0, nullptr);
     unsigned seed = 1;
     paint(c, window, gc, w, h, screen->root_depth, slide(w, h, seed));
+    if (mode == "motion") {
+        // A strip twice the screen's width holding two slides; each tick shows
+        // the next window of it, so the whole screen moves every frame.
+        const xcb_pixmap_t strip = xcb_generate_id(c);
+        xcb_create_pixmap(c, screen->root_depth, strip, window, std::uint16_t(2 * w), std::uint16_t(h));
+        xcb_copy_area(c, window, strip, gc, 0, 0, 0, 0, std::uint16_t(w), std::uint16_t(h));
+        paint(c, window, gc, w, h, screen->root_depth, slide(w, h, 2));
+        xcb_copy_area(c, window, strip, gc, 0, 0, std::int16_t(w), 0, std::uint16_t(w), std::uint16_t(h));
+        for (int tick = 0;; ++tick) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(33));
+            const int x = tick * 24 % w;
+            xcb_copy_area(c, strip, window, gc, std::int16_t(x), 0, 0, 0, std::uint16_t(w), std::uint16_t(h));
+            xcb_flush(c);
+            if (xcb_connection_has_error(c))
+                return 0;
+        }
+    }
     const auto start = std::chrono::steady_clock::now();
     auto nextSlide = start + std::chrono::duration<double>(every);
     for (int tick = 0;; ++tick) {
