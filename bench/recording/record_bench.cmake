@@ -1,8 +1,9 @@
 # The screen recording bench: the test driver and the ffmpeg command line
 # record the same screen side by side (record_bench.sh); pause_sync_bench
 # measures the A/V offset after pause/resume cycles and screen_content puts
-# slides, a moving pointer or nothing new on the screen.
-#   cmake --build . --target bench_recording
+# slides, a moving pointer, full-screen motion or nothing new on the screen.
+#   cmake --build . --target bench_recording          (the table of ratios)
+#   cmake --build . --target bench_recording_profile  (CPU per stage)
 # bench/recording/CMakeLists.txt pulls this in with
 #   include(${CMAKE_CURRENT_SOURCE_DIR}/record_bench.cmake OPTIONAL)
 add_executable(pause_sync_bench ${CMAKE_CURRENT_LIST_DIR}/pause_sync_bench.cpp)
@@ -21,6 +22,12 @@ if(TARGET record_screen_driver)
 add_custom_target(bench_recording
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/record_bench.sh $<TARGET_FILE:record_screen_driver>
           $<TARGET_FILE:pause_sync_bench> $<TARGET_FILE:screen_content>
+  DEPENDS record_screen_driver pause_sync_bench screen_content
+  USES_TERMINAL)
+# Where our CPU goes per frame and stage, x11grab against damage tracking.
+add_custom_target(bench_recording_profile
+  COMMAND ${CMAKE_CURRENT_LIST_DIR}/record_bench.sh $<TARGET_FILE:record_screen_driver>
+          $<TARGET_FILE:pause_sync_bench> $<TARGET_FILE:screen_content> --profile --seconds 8
   DEPENDS record_screen_driver pause_sync_bench screen_content
   USES_TERMINAL)
 endif()

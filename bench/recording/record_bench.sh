@@ -19,7 +19,7 @@ driver=${1:?usage: record_bench.sh DRIVER PAUSE_BENCH CONTENT [--seconds N] [--o
 pause_bench=${2:?}
 content=${3:?}
 shift 3
-seconds=6
+seconds=12
 only=.
 profile=0
 while [ $# -gt 0 ]; do
@@ -61,6 +61,9 @@ show() { # still | slides | motion
   sleep 1
 }
 
+# The machine may be shared: the load says how far to trust the absolute
+# numbers (the ratios hold better, both recorders meet the same load).
+load() { cut -d' ' -f1-3 /proc/loadavg; }
 ticks=$(getconf CLK_TCK)
 cpu_ticks() { awk '{print $14 + $15}' "/proc/$1/stat" 2>/dev/null || echo -1; }
 peak_kb() { awk '/VmHWM/ {print $2}' "/proc/$1/status" 2>/dev/null || echo 0; }
@@ -74,7 +77,7 @@ run_case() {
   "$driver" --record-screen "$work/ours.$fmt" --no-audio --fps "$fps" --seconds "$seconds" \
     --region "0,0,$w,$h" --size "$size" $ours_opts >/dev/null 2>&1 &
   local ours=$!
-  ffmpeg -loglevel quiet -y -f x11grab -framerate "$fps" -video_size "$size" -i "$DISPLAY+0,0" -t "$seconds" \
+  ffmpeg -nostdin -loglevel quiet -y -f x11grab -framerate "$fps" -video_size "$size" -i "$DISPLAY+0,0" -t "$seconds" \
     "$@" "$work/peer.$fmt" </dev/null &
   local peer=$!
   local start o0 p0 o1 p1 om=0 pm=0
@@ -99,15 +102,16 @@ run_case() {
 }
 
 # Per-stage CPU per written frame, microseconds, from MIRABEND_RECORD_PROFILE.
-profile_case() { # content WxH fps format backend
-  local size=$2 w=${2%x*} h=${2#*x} line
-  line=$(MIRABEND_RECORD_PROFILE=1 MIRABEND_CAPTURE=$5 "$driver" --record-screen "$work/prof.$4" --no-audio \
-         --fps "$3" --seconds "$seconds" --region "0,0,$w,$h" --size "$size" 2>&1 >/dev/null | grep 'per frame' || true)
+profile_case() { # content WxH fps format backend [driver options]
+  local what=$1 size=$2 w=${2%x*} h=${2#*x} fps=$3 fmt=$4 backend=$5 line; shift 5
+  line=$(MIRABEND_RECORD_PROFILE=1 MIRABEND_CAPTURE=$backend "$driver" --record-screen "$work/prof.$fmt" \
+         --no-audio --fps "$fps" --seconds "$seconds" --region "0,0,$w,$h" --size "$size" "$@" 2>&1 >/dev/null |
+         grep 'per frame' || true)
   # "... grab 310 us, overlay 0 us, convert 90 us, encode 2100 us, mux 40 us per frame written"
-  printf "%-38s %6s %6s %6s %6s %6s\n" "$1 $4 $size@$3 $5" $(echo "$line" | grep -oE '[0-9]+ us' | cut -d' ' -f1)
+  printf "%-38s %6s %6s %6s %6s %6s\n" "$what${1:+ stamp} $fmt $size@$fps $backend" $(echo "$line" | grep -oE '[0-9]+ us' | cut -d' ' -f1)
 }
 if [ "$profile" = 1 ]; then
-  echo "== CPU per written frame in us, $seconds s per run"
+  echo "== CPU per written frame in us, $seconds s per run; $(nproc) cores, load $(load)"
   printf "%-38s %6s %6s %6s %6s %6s\n" case grab overl conv encode mux
   for what in still motion; do
     show $what
@@ -116,11 +120,13 @@ if [ "$profile" = 1 ]; then
         for backend in x11grab damage; do profile_case $what $size 30 $fmt $backend; done
       done
     done
+    profile_case $what 1280x720 30 mkv damage --date-format 0 --text "Mirabend bench"
   done
   exit 0
 fi
 
-echo "== $seconds s per run, side by side with the ffmpeg command line, on a 1920x1080 Xvfb screen"
+echo "== $seconds s per run, side by side with the ffmpeg command line, on a 1920x1080 Xvfb screen;" \
+  "$(nproc) cores, load $(load)"
 printf "%-30s %6s %6s %5s | %5s %5s | %5s | %4s %4s %5s\n" case "cpu" "ffmpeg" ratio "fr/ex" "ffmpg" "A/V" "MB" "ffmpg" ratio
 printf "%-30s %6s %6s %5s | %5s %5s | %5s | %4s %4s %5s\n" "" "core" "core" "" "ours" "" "frm" "ours" "" ""
 h264="-c:v libx264 -preset ultrafast -crf 23"
@@ -138,5 +144,6 @@ run_case "motion h264 1280x720@24" motion 1280x720 24 mkv "" 5 $h264 -g 24
 show slides
 run_case "slides+pointer h264 1920x1080@30" slides 1920x1080 30 mkv "" 5 $h264 -g 30
 run_case "slides+pointer h264 1280x720@24" slides 1280x720 24 mkv "" 5 $h264 -g 24
+echo "load at the end $(load)"
 echo "targets: cpu ratio still <= 0.4, motion <= 0.9, slides+pointer <= 0.5; frames >= 0.99; A/V <= 1 frame;"
 echo "         memory ratio <= 1"

@@ -12,9 +12,11 @@ namespace mirabend {
 namespace {
 
 // Queue depths: a few frames of slack for the video encoder (each frame is
-// width*height*4 bytes), about two seconds of audio blocks, and enough
-// encoded packets for the interleaver to pick from.
-constexpr std::size_t kVideoQueueFrames = 8;
+// width*height*4 bytes; a deeper queue only holds more whole pictures while
+// the encoder is behind, and a frame dropped here is filled by repeating the
+// previous one), about two seconds of audio blocks, and enough encoded
+// packets for the interleaver to pick from.
+constexpr std::size_t kVideoQueueFrames = 4;
 constexpr std::size_t kAudioQueueBlocks = 100;
 constexpr std::size_t kMuxQueuePackets = 512;
 // Audio blocks of about 20 ms.
