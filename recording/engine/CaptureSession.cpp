@@ -353,7 +353,8 @@ void CaptureSession::videoEncodeLoop()
 {
     FrameRepeater out(m_videoEncoder, m_plan.video.gopSize, [&](PacketPtr p) { pushToMux(std::move(p), 0); });
     // Fill short gaps with the previous picture so players see a steady
-    // rate; SWF counts frames, not time, so there every gap is filled.
+    // rate, unless a full queue says the encoder is already behind; SWF
+    // counts frames, not time, so there every gap is filled.
     const std::int64_t maxFill = m_plan.constantFrameRate ? INT64_MAX : std::max(1, m_plan.video.gopSize) * 2;
     FramePtr last;
     std::int64_t lastSlot = -1;
@@ -369,7 +370,7 @@ void CaptureSession::videoEncodeLoop()
         const std::int64_t gap = lastSlot >= 0 ? item->slot - lastSlot - 1 : 0;
         const bool fill = gap > 0 && last &&
                           (m_plan.constantFrameRate ||
-                           (gap <= maxFill && m_videoQueue.size() < m_videoQueue.capacity() / 2));
+                           (gap <= maxFill && m_videoQueue.size() < m_videoQueue.capacity()));
         for (std::int64_t s = lastSlot + 1; fill && s < item->slot && !m_writeFailed; ++s) {
             StageProfile::Scope scope(m_profile, StageProfile::Encode);
             if (out.repeat(last.get(), s) < 0)
