@@ -96,6 +96,8 @@ run_case() {
        --brief 2>/dev/null || echo nan)
   awk -v n="$name" -v o0="$o0" -v o1="$o1" -v p0="$p0" -v p1="$p1" -v of="$of" -v pf="$pf" -v fps="$fps" \
       -v s="$seconds" -v om="$om" -v pm="$pm" -v av="$av" -v tk="$ticks" -v span="$(echo "$seconds - 3" | bc)" 'BEGIN {
+    # a recorder that ended before the second sample has no steady state
+    if (o0 < 0 || o1 < 0 || p0 < 0 || p1 < 0) { printf "%-30s a recorder ended early\n", n; exit }
     oc = (o1 - o0) / tk / span; pc = (p1 - p0) / tk / span
     printf "%-30s %6.3f %6.3f %5.2f | %5.3f %5.3f | %5s | %4.0f %4.0f %5.2f\n", n, oc, pc, (pc > 0 ? oc / pc : 0),
       of / (fps * s), pf / (fps * s), av, om / 1024, pm / 1024, (pm > 0 ? om / pm : 0) }'
