@@ -1,5 +1,6 @@
 #include "recording/engine/CaptureSession.h"
 
+#include "recording/engine/FrameRepeater.h"
 #include "recording/repair/RecordingJournal.h"
 
 #include <QDateTime>
@@ -12,9 +13,11 @@ namespace mirabend {
 namespace {
 
 // Queue depths: a few frames of slack for the video encoder (each frame is
-// width*height*4 bytes), about two seconds of audio blocks, and enough
-// encoded packets for the interleaver to pick from.
-constexpr std::size_t kVideoQueueFrames = 8;
+// width*height*4 bytes; a deeper queue only holds more whole pictures while
+// the encoder is behind, and a frame dropped here is filled by repeating the
+// previous one), about two seconds of audio blocks, and enough encoded
+// packets for the interleaver to pick from.
+constexpr std::size_t kVideoQueueFrames = 4;
 constexpr std::size_t kAudioQueueBlocks = 100;
 constexpr std::size_t kMuxQueuePackets = 512;
 // Audio blocks of about 20 ms.
@@ -68,34 +71,12 @@ RecorderFailure CaptureSession::start(const RecordingPlan& plan)
     const CaptureTarget& target = plan.capture;
     const std::string display = displayName(target.display);
 
-    DeviceInput::Options screenOptions = {
-        {"framerate", std::to_string(plan.fpsNum) + "/" + std::to_string(plan.fpsDen)},
-        {"draw_mouse", target.cursor ? "1" : "0"},
-    };
-    // For a window the region is the zoomed part of it, relative to the window.
-    if (target.window != 0)
-        screenOptions.push_back({"window_id", std::to_string(target.window)});
-    screenOptions.push_back(
-        {"video_size", std::to_string(target.region.width) + "x" + std::to_string(target.region.height)});
-    screenOptions.push_back({"grab_x", std::to_string(target.region.left)});
-    screenOptions.push_back({"grab_y", std::to_string(target.region.top)});
-    std::string error;
-    // The X server now and then refuses a connection right after another
-    // client went away; a second try a moment later gets through.
-    bool opened = false;
-    for (int attempt = 0; attempt < 3 && !opened; ++attempt) {
-        if (attempt)
-            std::this_thread::sleep_for(std::chrono::milliseconds(150));
-        opened = m_screen.open("x11grab", display, screenOptions, error);
-    }
-    if (!opened)
-        return {target.window ? RecorderError::WindowNotFound : RecorderError::DisplayUnavailable, error};
-    const AVCodecParameters* screen = m_screen.parameters();
-    m_screenWidth = screen->width;
-    m_screenHeight = screen->height;
-    if (screen->format != AV_PIX_FMT_BGR0)
-        return {RecorderError::DisplayUnavailable,
-                "the display " + display + " is not a 24/32-bit true colour screen"};
+    RecorderFailure screenFailure;
+    m_screen = openScreenSource(display, target, plan.fpsNum, plan.fpsDen, screenFailure, m_captureNote);
+    if (!m_screen)
+        return screenFailure;
+    m_screenWidth = m_screen->width();
+    m_screenHeight = m_screen->height();
 
     if (plan.audio.enabled) {
         const int rate = plan.audio.sampleRate;
@@ -223,10 +204,22 @@ void CaptureSession::videoCaptureLoop()
 {
     FrameGrid grid(m_plan.fpsNum, m_plan.fpsDen);
     const bool canPaint = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+    const bool scaled = !m_videoEncoder.convertsRows();
+    bool overlaid = false; // the last recorded picture carries an overlay
     int epoch = 0;
     while (!m_ending) {
-        PacketPtr packet = makePacket();
-        const int ret = packet ? m_screen.read(packet.get()) : AVERROR(ENOMEM);
+        // An overlay draws on the whole picture, and the picture after it
+        // must be whole again to wipe it off.
+        const bool overlay = canPaint && m_overlay->active();
+        const ScreenSource::Want want = overlay || overlaid ? ScreenSource::Want::Whole
+                                        : scaled            ? ScreenSource::Want::WholeOnChange
+                                                            : ScreenSource::Want::Changes;
+        ScreenGrab grab;
+        int ret = 0;
+        {
+            StageProfile::Scope scope(m_profile, StageProfile::Grab);
+            ret = m_screen->read(grab, want);
+        }
         if (ret == AVERROR(EAGAIN)) {
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
             continue;
@@ -244,11 +237,12 @@ void CaptureSession::videoCaptureLoop()
             }
             break;
         }
-        const std::int64_t stamp = m_screen.stampOf(packet.get());
-        m_clock.start(stamp);
-        const std::optional<std::int64_t> media = m_clock.mediaTime(stamp);
-        if (!media)
-            continue; // paused
+        m_clock.start(grab.stamp);
+        const std::optional<std::int64_t> media = m_clock.mediaTime(grab.stamp);
+        if (!media) {
+            m_screen->unread(grab); // paused
+            continue;
+        }
         ++m_framesCaptured;
         if (const int now = m_clock.pauseCount(); now != epoch) {
             grid.reanchor();
@@ -256,23 +250,25 @@ void CaptureSession::videoCaptureLoop()
         }
         const std::optional<std::int64_t> slot = grid.place(*media);
         if (!slot) {
+            m_screen->unread(grab);
             ++m_framesDropped;
             continue;
         }
-        const std::int64_t stride = std::int64_t(m_screenWidth) * 4;
-        if (packet->size < stride * m_screenHeight) {
+        if (overlay && grab.whole(m_screenHeight) && av_packet_make_writable(grab.pixels.get()) >= 0) {
+            StageProfile::Scope scope(m_profile, StageProfile::Overlay);
+            QImage picture(grab.pixels->data, m_screenWidth, m_screenHeight, m_screenWidth * 4,
+                           QImage::Format_RGB32);
+            m_overlay->paint(picture, QDateTime::currentDateTime());
+        }
+        const std::vector<RowBand> bands = grab.bands;
+        if (!m_videoQueue.tryPush(VideoItem{std::move(grab.pixels), std::move(grab.bands), *slot})) {
+            ScreenGrab lost;
+            lost.bands = bands;
+            m_screen->unread(lost);
             ++m_framesDropped;
             continue;
         }
-        if (canPaint) {
-            if (m_overlay->active() && av_packet_make_writable(packet.get()) >= 0) {
-                QImage picture(packet->data, m_screenWidth, m_screenHeight, int(stride),
-                               QImage::Format_RGB32);
-                m_overlay->paint(picture, QDateTime::currentDateTime());
-            }
-        }
-        if (!m_videoQueue.tryPush(VideoItem{std::move(packet), *slot}))
-            ++m_framesDropped;
+        overlaid = overlay;
     }
     m_videoQueue.close();
 }
@@ -369,51 +365,105 @@ void CaptureSession::producerDone()
 
 void CaptureSession::videoEncodeLoop()
 {
-    const auto sink = [&](PacketPtr p) {
-        pushToMux(std::move(p), 0);
-    };
+    FrameRepeater out(m_videoEncoder, m_plan.video.gopSize, [&](PacketPtr p) { pushToMux(std::move(p), 0); });
     // Fill short gaps with the previous picture so players see a steady
-    // rate; SWF counts frames, not time, so there every gap is filled.
+    // rate, unless a full queue says the encoder is already behind; SWF
+    // counts frames, not time, so there every gap is filled.
     const std::int64_t maxFill = m_plan.constantFrameRate ? INT64_MAX : std::max(1, m_plan.video.gopSize) * 2;
     FramePtr last;
     std::int64_t lastSlot = -1;
     bool failed = false;
+    const auto stop = [&](int ret) {
+        fail(RecorderError::CaptureFailed, "the video encoder failed: " + avErrorText(ret));
+        failed = true;
+        endNow();
+    };
     while (std::optional<VideoItem> item = m_videoQueue.pop()) {
         if (m_writeFailed || failed)
             continue;
-        FramePtr frame = m_videoEncoder.convert(item->packet->data, m_screenWidth * 4);
-        item->packet.reset();
-        if (!frame) {
-            ++m_framesDropped;
-            continue;
-        }
         const std::int64_t gap = lastSlot >= 0 ? item->slot - lastSlot - 1 : 0;
         const bool fill = gap > 0 && last &&
                           (m_plan.constantFrameRate ||
-                           (gap <= maxFill && m_videoQueue.size() < m_videoQueue.capacity() / 2));
+                           (gap <= maxFill && m_videoQueue.size() < m_videoQueue.capacity()));
         for (std::int64_t s = lastSlot + 1; fill && s < item->slot && !m_writeFailed; ++s) {
-            last->pts = s;
-            if (m_videoEncoder.encode(last.get(), sink) < 0)
+            StageProfile::Scope scope(m_profile, StageProfile::Encode);
+            if (out.repeat(last.get(), s) < 0)
                 break;
             ++m_framesDuplicated;
             ++m_framesWritten;
+            lastSlot = s;
         }
-        frame->pts = item->slot;
-        const int ret = m_videoEncoder.encode(frame.get(), sink);
+        int ret = 0;
+        if (item->bands.empty() && last) {
+            // Nothing changed: the last picture again, skipped where the
+            // codec allows.
+            StageProfile::Scope scope(m_profile, StageProfile::Encode);
+            ret = out.repeat(last.get(), item->slot);
+        } else {
+            // Changed rows are converted into the last picture; a whole
+            // picture is converted anew.
+            if (last && (ret = out.beforeChange(last.get())) < 0) {
+                stop(ret);
+                continue;
+            }
+            FramePtr frame;
+            {
+                StageProfile::Scope scope(m_profile, StageProfile::Convert);
+                frame = nextPicture(*item, last);
+            }
+            item->packet.reset();
+            if (!frame) {
+                ++m_framesDropped;
+                continue;
+            }
+            StageProfile::Scope scope(m_profile, StageProfile::Encode);
+            frame->pts = item->slot;
+            ret = out.encodeNew(frame.get());
+            last = std::move(frame);
+        }
         if (ret < 0) {
-            fail(RecorderError::CaptureFailed, "the video encoder failed: " + avErrorText(ret));
-            failed = true;
-            endNow();
+            stop(ret);
             continue;
         }
         ++m_framesWritten;
         lastSlot = item->slot;
-        last = std::move(frame);
+    }
+    // A stall just before the end leaves the last slots empty: they get the
+    // last picture, like any other short gap.
+    const std::int64_t end = m_endStamp;
+    if (last && end && !failed && !m_writeFailed) {
+        const std::int64_t endSlot = FrameGrid(m_plan.fpsNum, m_plan.fpsDen).slotOf(m_clock.mediaNow(end));
+        for (std::int64_t s = lastSlot + 1; s < endSlot && s - lastSlot <= maxFill && !m_writeFailed; ++s) {
+            if (out.repeat(last.get(), s) < 0)
+                break;
+            ++m_framesDuplicated;
+            ++m_framesWritten;
+        }
     }
     last.reset();
     if (!m_writeFailed)
-        m_videoEncoder.encode(nullptr, sink);
+        out.finish();
     producerDone();
+}
+
+FramePtr CaptureSession::nextPicture(const VideoItem& item, FramePtr& last)
+{
+    const std::int64_t stride = std::int64_t(m_screenWidth) * 4;
+    if (item.bands.empty() || !item.packet)
+        return last ? FramePtr(av_frame_clone(last.get())) : nullptr;
+    if (item.bands.size() == 1 && item.bands[0].height == m_screenHeight)
+        return m_videoEncoder.convert(item.packet->data, int(stride));
+    // The encoder may still hold the last frame's buffers: write into a
+    // copy then.
+    if (!last || av_frame_make_writable(last.get()) < 0)
+        return nullptr;
+    const std::uint8_t* rows = item.packet->data;
+    for (const RowBand& band : item.bands) {
+        if (!m_videoEncoder.convertRows(last.get(), rows, int(stride), band))
+            return nullptr;
+        rows += stride * band.height;
+    }
+    return FramePtr(av_frame_clone(last.get()));
 }
 
 void CaptureSession::audioEncodeLoop()
@@ -464,7 +514,11 @@ void CaptureSession::muxLoop()
     while (std::optional<MuxItem> item = m_muxQueue.pop()) {
         if (m_writeFailed)
             continue; // drain so the encoders can finish
-        const int ret = m_mux.write(item->packet.get(), item->stream, timeBases[item->stream]);
+        int ret = 0;
+        {
+            StageProfile::Scope scope(m_profile, StageProfile::Mux);
+            ret = m_mux.write(item->packet.get(), item->stream, timeBases[item->stream]);
+        }
         if (ret < 0) {
             // Stop at once: a full disk does not get better. What was
             // written stays a valid file.
@@ -479,6 +533,10 @@ void CaptureSession::muxLoop()
     RecordingJournal().remove(m_plan.file);
     if (ret < 0 && !m_writeFailed)
         fail(RecorderError::WriteFailed, "closing " + m_plan.file + " failed: " + avErrorText(ret));
+    if (m_profile.enabled())
+        std::fprintf(stderr, "mirabend: capture %s%s%s: %s\n", m_screen->name(),
+                     m_captureNote.empty() ? "" : " because ", m_captureNote.c_str(),
+                     m_profile.report(m_framesWritten).c_str());
     m_finished = true;
 }
 

@@ -20,6 +20,8 @@
 #include "recording/engine/MuxWriter.h"
 #include "recording/engine/OverlayBoard.h"
 #include "recording/engine/RecordingPlan.h"
+#include "recording/engine/ScreenSource.h"
+#include "recording/engine/StageProfile.h"
 #include "recording/engine/Timeline.h"
 #include "recording/engine/VideoEncoder.h"
 #include "util/core/BoundedQueue.h"
@@ -63,10 +65,14 @@ public:
     RecorderCounters counters() const;
     const RecordingPlan& plan() const { return m_plan; }
     const VideoEncoder& videoEncoder() const { return m_videoEncoder; }
+    // "damage" or "x11grab" once started; why x11grab was taken instead.
+    std::string captureBackend() const { return m_screen ? m_screen->name() : ""; }
+    const std::string& captureNote() const { return m_captureNote; }
 
 private:
     struct VideoItem {
-        PacketPtr packet;
+        PacketPtr packet;           // the bands' rows; null when nothing changed
+        std::vector<RowBand> bands; // changed rows, or empty
         std::int64_t slot = 0;
     };
     struct AudioItem {
@@ -84,6 +90,8 @@ private:
     void videoCaptureLoop();
     void audioCaptureLoop();
     void videoEncodeLoop();
+    // The converted picture for `item`, built on `last` (the previous one).
+    FramePtr nextPicture(const VideoItem& item, FramePtr& last);
     void audioEncodeLoop();
     void muxLoop();
     void pushToMux(PacketPtr packet, int stream);
@@ -97,7 +105,9 @@ private:
     RecordingPlan m_plan;
     RecordingClock m_clock;
 
-    DeviceInput m_screen;
+    std::unique_ptr<ScreenSource> m_screen;
+    std::string m_captureNote;
+    StageProfile m_profile;
     DeviceInput m_sound;
     bool m_haveAudio = false;
     bool m_soundMissing = false; // no source: the sound track is recorded silent

@@ -18,6 +18,7 @@ extern "C" {
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <thread>
 #include <unistd.h>
 
@@ -401,11 +402,18 @@ int runRecordScreen(int argc, char** argv)
                     "--format)")
                     .arg(QFileInfo(o.file).suffix())));
     }
-    // Text stamps need a QGuiApplication; no window is shown.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+    // Stamps are painted with fonts, which need a QGuiApplication (no window
+    // is shown); a plain recording does without its platform plugin and
+    // font caches, several megabytes that a long recording would carry.
+    const bool stamps = o.dateFormat >= 0 || !o.text.isEmpty() || !o.image.isEmpty();
+    if (stamps && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     int qtArgc = 1;
-    QGuiApplication app(qtArgc, argv);
+    std::unique_ptr<QCoreApplication> app;
+    if (stamps)
+        app = std::make_unique<QGuiApplication>(qtArgc, argv);
+    else
+        app = std::make_unique<QCoreApplication>(qtArgc, argv);
     // FFmpeg's chatter is for developers; failures are reported below.
     av_log_set_level(qEnvironmentVariableIsSet("MIRABEND_FFMPEG_LOG") ? AV_LOG_INFO : AV_LOG_ERROR);
 

@@ -379,6 +379,7 @@ bool Screen2Video::StartCapture()
     }
     m_hardwareInUse = session->videoEncoder().hardware();
     m_encoderInUse = QString::fromStdString(session->videoEncoder().name());
+    m_captureInUse = QString::fromStdString(session->captureBackend());
     if (m_hardware && !m_hardwareInUse && !session->videoEncoder().hardwareNote().empty())
         m_encoderInUse +=
             QStringLiteral(" (%1)").arg(QString::fromStdString(session->videoEncoder().hardwareNote()));

@@ -85,6 +85,8 @@ public:
     void HardwareAcceleration(bool on) { m_hardware = on; }
     bool HardwareAccelerationInUse() const { return m_hardwareInUse; }
     QString VideoEncoderInUse() const { return m_encoderInUse; } // e.g. "libx264", "h264_vaapi"
+    // How the screen is read: "damage" (only what changed) or "x11grab".
+    QString CaptureBackendInUse() const { return m_captureInUse; }
 
     // Compressors offered for AVI output ("Microsoft Video 1", "PCM", ...).
     const CompressorList& VideoCompressors() const { return m_videoCompressors; }
@@ -235,6 +237,7 @@ private:
     bool m_hardware = false;
     bool m_hardwareInUse = false;
     QString m_encoderInUse;
+    QString m_captureInUse;
 
     CompressorList m_videoCompressors;
     CompressorList m_audioCompressors;

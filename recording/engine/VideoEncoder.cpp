@@ -2,9 +2,13 @@
 
 extern "C" {
 #include <libavutil/hwcontext.h>
+#include <libavutil/imgutils.h>
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
+
+#include <algorithm>
+#include <cstring>
 
 namespace mirabend {
 
@@ -93,6 +97,10 @@ bool VideoEncoder::openSoftware(const RecordingPlan& plan, bool globalHeader, st
             options.set("crf", std::to_string(plan.video.quality).c_str());
         else if (plan.video.bitRate <= 0)
             options.set("crf", "23");
+        // One thread keeps up with ultrafast up to this size and costs a
+        // quarter less than frame threads; bigger screens need the threads.
+        if (std::int64_t(plan.video.width) * plan.video.height <= 1920 * 1200)
+            options.set("threads", "1");
     }
     if (plan.video.encoder == "msvideo1" && plan.video.keyframeInterval > 0)
         c->keyint_min = plan.video.keyframeInterval;
@@ -151,6 +159,61 @@ FramePtr VideoEncoder::convert(const std::uint8_t* bgr0, int linesize)
         return hw;
     }
     return frame;
+}
+
+bool VideoEncoder::convertsRows() const
+{
+    return !m_hardware && m_codec && m_codec->width == m_sourceWidth && m_codec->height == m_sourceHeight;
+}
+
+bool VideoEncoder::convertRows(AVFrame* frame, const std::uint8_t* bgr0, int linesize, const RowBand& band)
+{
+    constexpr std::size_t kKeptScalers = 3;
+    auto cached = std::find_if(m_bandScalers.begin(), m_bandScalers.end(),
+                               [&](const auto& entry) { return entry.first == band.height; });
+    if (cached == m_bandScalers.end()) {
+        SwsPtr scaler(sws_getContext(m_sourceWidth, band.height, AV_PIX_FMT_BGR0, m_sourceWidth, band.height,
+                                     m_swFormat, SWS_BILINEAR, nullptr, nullptr, nullptr));
+        if (!scaler)
+            return false;
+        if (m_bandScalers.size() >= kKeptScalers)
+            m_bandScalers.pop_back();
+        m_bandScalers.insert(m_bandScalers.begin(), {band.height, std::move(scaler)});
+    } else {
+        std::rotate(m_bandScalers.begin(), cached, cached + 1);
+    }
+    // As tall as the tallest band so far: small changes keep it small.
+    if (!m_bandFrame || m_bandFrame->height < band.height) {
+        m_bandFrame = makeFrame();
+        if (!m_bandFrame)
+            return false;
+        m_bandFrame->format = m_swFormat;
+        m_bandFrame->width = m_sourceWidth;
+        m_bandFrame->height = band.height;
+        if (av_frame_get_buffer(m_bandFrame.get(), 0) < 0) {
+            m_bandFrame.reset();
+            return false;
+        }
+    }
+    const std::uint8_t* src[4] = {bgr0, nullptr, nullptr, nullptr};
+    const int srcStride[4] = {linesize, 0, 0, 0};
+    sws_scale(m_bandScalers.front().second.get(), src, srcStride, 0, band.height, m_bandFrame->data,
+              m_bandFrame->linesize);
+    const RowBand inner = innerRows(band, m_sourceHeight);
+    const AVPixFmtDescriptor* desc = av_pix_fmt_desc_get(m_swFormat);
+    const int planes = av_pix_fmt_count_planes(m_swFormat);
+    for (int p = 0; p < planes; ++p) {
+        const int shift = (p == 1 || p == 2) ? desc->log2_chroma_h : 0;
+        const int bytes = av_image_get_linesize(m_swFormat, m_sourceWidth, p);
+        const int first = inner.top >> shift;
+        const int end = (inner.bottom() + (1 << shift) - 1) >> shift;
+        const int bandFirst = band.top >> shift;
+        for (int row = first; row < end; ++row)
+            std::memcpy(frame->data[p] + std::ptrdiff_t(row) * frame->linesize[p],
+                        m_bandFrame->data[p] + std::ptrdiff_t(row - bandFirst) * m_bandFrame->linesize[p],
+                        std::size_t(bytes));
+    }
+    return true;
 }
 
 int VideoEncoder::encode(const AVFrame* frame, const std::function<void(PacketPtr)>& sink)

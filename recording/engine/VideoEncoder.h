@@ -9,9 +9,12 @@
 
 #include "recording/engine/FfmpegHandles.h"
 #include "recording/engine/RecordingPlan.h"
+#include "recording/engine/RowBands.h"
 
 #include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace mirabend {
 
@@ -26,6 +29,14 @@ public:
 
     // A new frame in the encoder's format holding the scaled picture.
     FramePtr convert(const std::uint8_t* bgr0, int linesize);
+    // Whether convertRows() works here: the picture keeps its size and
+    // frames live in memory.
+    bool convertsRows() const;
+    // Converts `band` of the picture (its rows start at `bgr0`) into
+    // `frame`, which holds the previous picture, and writes back the band's
+    // inner rows exactly as convert() would have produced them. `frame`
+    // must be writable.
+    bool convertRows(AVFrame* frame, const std::uint8_t* bgr0, int linesize, const RowBand& band);
     // Encodes `frame` (nullptr drains the encoder); every packet produced
     // goes to `sink`. Returns 0 or an FFmpeg error.
     int encode(const AVFrame* frame, const std::function<void(PacketPtr)>& sink);
@@ -38,6 +49,9 @@ private:
 
     CodecContextPtr m_codec;
     SwsPtr m_scaler;
+    // Scalers for bands, by band height, most recently used first.
+    std::vector<std::pair<int, SwsPtr>> m_bandScalers;
+    FramePtr m_bandFrame; // the converted band before its inner rows are copied out
     BufferRefPtr m_hwDevice;
     AVPixelFormat m_swFormat = AV_PIX_FMT_NONE; // what sws produces
     int m_sourceWidth = 0;

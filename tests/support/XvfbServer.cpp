@@ -7,7 +7,7 @@
 
 namespace mirabend::test {
 
-XvfbServer::XvfbServer(int width, int height, int depth)
+XvfbServer::XvfbServer(int width, int height, int depth, const std::vector<std::string>& extra)
 {
     if (!haveProgram("Xvfb"))
         return;
@@ -15,9 +15,10 @@ XvfbServer::XvfbServer(int width, int height, int depth)
     if (pipe(fds) != 0)
         return;
     const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth);
-    const bool started = m_process.start({"Xvfb", "-displayfd", std::to_string(fds[1]), "-screen", "0", screen,
-                                          "-nolisten", "tcp", "-noreset", "+extension", "MIT-SHM"},
-                                         {}, {}, fds[1]);
+    std::vector<std::string> arguments = {"Xvfb",     "-displayfd", std::to_string(fds[1]), "-screen", "0", screen,
+                                          "-nolisten", "tcp", "-noreset", "+extension", "MIT-SHM"};
+    arguments.insert(arguments.end(), extra.begin(), extra.end());
+    const bool started = m_process.start(arguments, {}, {}, fds[1]);
     close(fds[1]);
     if (!started) {
         close(fds[0]);

@@ -5,13 +5,16 @@
 #include "support/ChildProcess.h"
 
 #include <string>
+#include <vector>
 
 namespace mirabend::test {
 
 class XvfbServer {
 public:
     // Starts Xvfb with one screen of the given size; check ok() afterwards.
-    explicit XvfbServer(int width = 1280, int height = 1024, int depth = 24);
+    // `extra` goes on Xvfb's command line (e.g. {"-extension", "DAMAGE"}).
+    explicit XvfbServer(int width = 1280, int height = 1024, int depth = 24,
+                        const std::vector<std::string>& extra = {});
     ~XvfbServer();
     XvfbServer(const XvfbServer&) = delete;
     XvfbServer& operator=(const XvfbServer&) = delete;
