@@ -6,6 +6,7 @@
 #include "shell/slideshow/SlideShowFactory.h"
 #include "shell/wiring/AudioWiring.h"
 #include "shell/wiring/RecordingWiring.h"
+#include "shell/wiring/WhiteboardWiring.h"
 #include "util/CommandLineTool.h"
 
 namespace mirabend {
@@ -23,6 +24,7 @@ ShellServices makeShellServices(Prompts& prompts)
     services.makeAudio = [&prompts](Mirabend_frm& window) -> std::unique_ptr<AudioPort> {
         return std::make_unique<AudioWiring>(window, prompts);
     };
+    services.attachPanes.push_back([&prompts](Mirabend_frm& window) { WhiteboardWiring::attach(window, prompts); });
     return services;
 }
 

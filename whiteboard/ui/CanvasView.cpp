@@ -1,0 +1,179 @@
+#include "whiteboard/ui/CanvasView.h"
+
+#include "whiteboard/model/CanvasEditor.h"
+#include "whiteboard/model/ToolTable.h"
+#include "whiteboard/ui/CursorLibrary.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace mirabend {
+
+CanvasView::CanvasView(CanvasEditor& editor, CursorLibrary& cursors, const QString& name, QWidget* parent)
+    : QWidget(parent)
+    , m_editor(editor)
+    , m_cursors(cursors) {
+    setObjectName(name);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(false);
+    setMinimumSize(16, 16);
+    refreshCursor();
+}
+
+int CanvasView::shiftState(Qt::KeyboardModifiers modifiers) {
+    return (modifiers & Qt::ShiftModifier ? 1 : 0) | (modifiers & Qt::ControlModifier ? 2 : 0);
+}
+
+int CanvasView::buttonOf(Qt::MouseButton button) {
+    if (button == Qt::LeftButton)
+        return ButtonLeft;
+    if (button == Qt::RightButton)
+        return ButtonRight;
+    return button == Qt::MiddleButton ? 4 : 0;
+}
+
+int CanvasView::buttonsHeld(Qt::MouseButtons buttons) {
+    if (buttons & Qt::LeftButton)
+        return ButtonLeft;
+    return buttons & Qt::RightButton ? ButtonRight : 0;
+}
+
+void CanvasView::refreshCursor() {
+    const QString file = m_editor.cursorFile();
+    if (file == m_cursorFile)
+        return;
+    m_cursorFile = file;
+    setCursor(m_cursors.cursor(file));
+}
+
+void CanvasView::repaintCanvas(const QRect& canvasRect) {
+    if (canvasRect.isEmpty()) {
+        update();
+        return;
+    }
+    const QRectF scaled(m_editor.toPane(canvasRect.topLeft()),
+                        QSizeF(canvasRect.size()) * m_editor.view().zoom);
+    update(scaled.toAlignedRect().adjusted(-1, -1, 1, 1));
+}
+
+void CanvasView::paintEvent(QPaintEvent* event) {
+    QPainter p(this);
+    const CanvasEditor& e = m_editor;
+    const double zoom = e.view().zoom;
+    const QPointF offset = e.view().offset;
+    const QImage& image = e.surface().image();
+    const QRectF canvasArea(offset, QSizeF(image.size()) * zoom);
+    // Beside the canvas (after a resize or at the far end of a pan).
+    QRegion beside = QRegion(event->rect()) - QRegion(canvasArea.toAlignedRect());
+    for (const QRect& r : beside)
+        p.fillRect(r, QColor(0x8a, 0x8f, 0x98));
+    p.setRenderHint(QPainter::SmoothPixmapTransform, false);
+    if (zoom == 1.0) {
+        const QRect target = event->rect() & canvasArea.toAlignedRect();
+        p.drawImage(target, image, target.translated(-offset.toPoint()));
+    } else {
+        p.save();
+        p.translate(offset);
+        p.scale(zoom, zoom);
+        const QRect source =
+            QRectF(QPointF(event->rect().topLeft()) - offset, QSizeF(event->rect().size())).toAlignedRect();
+        const QRect visible =
+            QRect(static_cast<int>(source.x() / zoom) - 1, static_cast<int>(source.y() / zoom) - 1,
+                  static_cast<int>(source.width() / zoom) + 3, static_cast<int>(source.height() / zoom) + 3) &
+            image.rect();
+        p.drawImage(visible.topLeft(), image, visible);
+        p.restore();
+    }
+    // `picSelect` floats above the canvas; while it is dragged it carries
+    // an outline of its own.
+    const FloatingSelection& sel = e.selection();
+    p.save();
+    p.translate(offset);
+    p.scale(zoom, zoom);
+    if (sel.visible) {
+        p.drawImage(sel.pos, sel.image);
+        if (sel.dragging) {
+            p.setPen(QPen(Qt::black, 0, Qt::DotLine));
+            p.setBrush(Qt::NoBrush);
+            p.drawRect(QRectF(sel.rect()));
+        }
+    }
+    p.restore();
+    // `imgBezier`: the handles of the curve being shaped.
+    if (e.bezier().shown) {
+        p.setPen(QPen(Qt::black, 1));
+        p.setBrush(QColor(255, 255, 255));
+        for (const QPoint& h : e.bezier().points) {
+            const QPointF c = e.toPane(h);
+            p.drawRect(QRectF(c.x() - 3, c.y() - 3, 6, 6));
+        }
+    }
+}
+
+void CanvasView::mousePressEvent(QMouseEvent* event) {
+    m_editor.MouseDown(buttonOf(event->button()), shiftState(event->modifiers()),
+                       m_editor.toCanvas(event->position()));
+    refreshCursor();
+}
+
+void CanvasView::mouseMoveEvent(QMouseEvent* event) {
+    m_editor.MouseMove(buttonsHeld(event->buttons()), shiftState(event->modifiers()),
+                       m_editor.toCanvas(event->position()));
+}
+
+void CanvasView::mouseReleaseEvent(QMouseEvent* event) {
+    m_editor.MouseUp(buttonOf(event->button()), shiftState(event->modifiers()),
+                     m_editor.toCanvas(event->position()));
+    refreshCursor();
+}
+
+void CanvasView::mouseDoubleClickEvent(QMouseEvent* event) {
+    // The second press of a double-click is a press too (a polygon gets its
+    // last vertex), then the shape is finished.
+    mousePressEvent(event);
+    if (event->button() == Qt::LeftButton)
+        m_editor.DblClick();
+}
+
+void CanvasView::keyPressEvent(QKeyEvent* event) {
+    const Qt::KeyboardModifiers mods = event->modifiers() & ~Qt::KeypadModifier;
+    if (event->matches(QKeySequence::Undo)) {
+        Q_EMIT undoRequested();
+        return;
+    }
+    if (event->matches(QKeySequence::Redo) || (mods == Qt::ControlModifier && event->key() == Qt::Key_Y)) {
+        Q_EMIT redoRequested();
+        return;
+    }
+    if (event->matches(QKeySequence::Paste)) {
+        Q_EMIT pasteRequested();
+        return;
+    }
+    if ((mods == Qt::NoModifier || mods == Qt::ShiftModifier) && !event->text().isEmpty() &&
+        !m_editor.state().IsDrawing) {
+        const int tool = toolForKey(event->text().at(0));
+        if (tool >= 0) {
+            Q_EMIT toolKeyPressed(tool);
+            return;
+        }
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void CanvasView::keyReleaseEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        m_editor.KeyUp(13, shiftState(event->modifiers()));
+    else
+        QWidget::keyReleaseEvent(event);
+}
+
+void CanvasView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    // The twin follows the canvas's view; only the canvas sets it.
+    if (objectName() == QLatin1String("picPaint"))
+        m_editor.setViewport(size());
+}
+
+} // namespace mirabend

@@ -1,0 +1,56 @@
+#pragma once
+// The canvas picture `picPaint` and its twin `picProg`: both paint the one
+// editor's image (at its zoom and offset, with the floating selection and
+// the Bezier handles above it) and hand every mouse and key event to the
+// same editor, in canvas units. A stroke is repainted the moment it is
+// drawn, so a recording of the stage shows it in the next frame.
+//
+// Thread contract: UI thread only.
+
+#include <QWidget>
+
+namespace mirabend {
+
+class CanvasEditor;
+class CursorLibrary;
+
+class CanvasView : public QWidget {
+    Q_OBJECT
+public:
+    CanvasView(CanvasEditor& editor, CursorLibrary& cursors, const QString& name, QWidget* parent = nullptr);
+
+    // The shift state of the handlers: 1 Shift, 2 Ctrl, 3 both.
+    static int shiftState(Qt::KeyboardModifiers modifiers);
+    // The cursor of the current tool (and of the hand while it drags).
+    void refreshCursor();
+    // Repaints the part of the pane that shows canvas area `canvasRect`
+    // (everything when it is empty).
+    void repaintCanvas(const QRect& canvasRect);
+
+Q_SIGNALS:
+    // A single-key tool shortcut was typed on the canvas.
+    void toolKeyPressed(int tool);
+    void pasteRequested();
+    void undoRequested();
+    void redoRequested();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    static int buttonOf(Qt::MouseButton button);
+    static int buttonsHeld(Qt::MouseButtons buttons);
+
+    CanvasEditor& m_editor;
+    CursorLibrary& m_cursors;
+    QString m_cursorFile = QStringLiteral("?");
+};
+
+} // namespace mirabend
