@@ -1,0 +1,137 @@
+// The whiteboard inside the running main window on a private X display: the
+// canvas fills its pane in every mode and rotation and keeps its drawing,
+// and a stroke drawn with mouse events shows in a recording of the stage
+// made meanwhile (read back with libavformat).
+#include "recording/engine/Screen2Video.h"
+#include "shell/CommandDispatcher.h"
+#include "shell/Mirabend_frm.h"
+#include "shell/Stage.h"
+#include "shell/wiring/WhiteboardWiring.h"
+#include "support/ChildProcess.h"
+#include "support/MediaProbe.h"
+#include "support/ScriptedPrompts.h"
+#include "whiteboard/ui/CanvasView.h"
+#include "whiteboard/ui/ColorPalette.h"
+#include "whiteboard/ui/DrawPanel.h"
+#include "whiteboard/ui/Whiteboard.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMouseEvent>
+#include <QTest>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace mirabend {
+namespace {
+
+void pump(int ms) {
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < ms) {
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+        QTest::qWait(10);
+    }
+}
+
+class WhiteboardStage : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ShellServices services;
+        services.prompts = &prompts;
+        services.attachPanes.push_back(
+            [this](Mirabend_frm& w) { board = WhiteboardWiring::attach(w, prompts); });
+        services.endProgram = [] {
+        };
+        window = std::make_unique<Mirabend_frm>(std::move(services));
+        window->start();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get(), 10000));
+        ASSERT_NE(board, nullptr);
+        window->commands().perform(QStringLiteral("draw"));
+        pump(300);
+        canvas = board->picPaint();
+    }
+    void TearDown() override {
+        window->hide();
+        window.reset();
+    }
+
+    void press(QPoint at) { QTest::mousePress(canvas, Qt::LeftButton, {}, at); }
+    void moveHeld(QPoint at) {
+        QMouseEvent event(QEvent::MouseMove, QPointF(at), canvas->mapToGlobal(QPointF(at)), Qt::NoButton,
+                          Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(canvas, &event);
+    }
+    void release(QPoint at) { QTest::mouseRelease(canvas, Qt::LeftButton, {}, at); }
+    QRgb pixel(QPoint p) { return board->editor().surface().image().pixel(p); }
+
+    test::ScriptedPrompts prompts;
+    std::unique_ptr<Mirabend_frm> window;
+    Whiteboard* board = nullptr;
+    CanvasView* canvas = nullptr;
+};
+
+TEST_F(WhiteboardStage, TheCanvasFillsItsPaneInEveryModeAndRotationAndKeepsItsDrawing) {
+    QWidget* parentPic = window->context().stage->parentPic();
+    ASSERT_EQ(canvas->parentWidget(), parentPic);
+    QTest::keyClick(canvas, Qt::Key_P);
+    press({20, 20});
+    moveHeld({120, 20});
+    release({120, 20});
+    ASSERT_EQ(pixel({70, 20}), qRgb(0, 0, 0));
+    int checked = 0;
+    for (const char* key : {"uni", "side", "mix", "rotate1", "rotate2", "rotate3", "rotate0", "uni", "draw",
+                            "side", "draw", "mix", "draw"}) {
+        window->commands().perform(QString::fromLatin1(key));
+        pump(50);
+        if (parentPic->isVisible()) {
+            EXPECT_EQ(canvas->geometry(), parentPic->rect()) << key;
+            EXPECT_TRUE(canvas->isVisible()) << key;
+            ++checked;
+        }
+        EXPECT_EQ(pixel({70, 20}), qRgb(0, 0, 0)) << "the drawing stays after " << key;
+        EXPECT_GE(board->editor().surface().image().width(), parentPic->width());
+    }
+    EXPECT_GE(checked, 4);
+}
+
+TEST_F(WhiteboardStage, AStrokeShowsInARecordingOfTheStageMadeMeanwhile) {
+    Stage* stage = window->context().stage;
+    auto* panel = static_cast<DrawPanel*>(board->panel());
+    test::TempFolder folder{"mirabend-board"};
+    const std::string file = folder.file("board.avi");
+    Screen2Video recorder;
+    recorder.OutputFileName(QString::fromStdString(file));
+    recorder.CaptureWindowHandle(QString::number(stage->winId()));
+    recorder.AudioEnabled(false);
+    recorder.FrameRate(10);
+    ASSERT_TRUE(recorder.StartCapture()) << recorder.LastFailure().detail;
+    pump(800);
+
+    // The board in black by flood fill, then a thick white pencil stroke.
+    QTest::keyClick(canvas, Qt::Key_F);
+    press({300, 300});
+    release({300, 300});
+    QTest::mouseClick(panel->lblColor()->swatch(14), Qt::LeftButton); // white
+    QTest::keyClick(canvas, Qt::Key_P);
+    board->editor().state().WidthIndex = 7;
+    press({60, 100});
+    for (int x = 60; x <= 260; x += 10)
+        moveHeld({x, 100});
+    release({260, 100});
+    pump(100);
+    const double strokeAt = recorder.Counters().secondsRecorded;
+    pump(1500);
+    recorder.StopCapture();
+    ASSERT_TRUE(test::probe(file).opened);
+
+    const QPoint strokeOnStage = canvas->mapTo(stage, QPoint(60, 96));
+    const QPoint quietOnStage = canvas->mapTo(stage, QPoint(60, 200));
+    EXPECT_GT(test::brightestLuma(file, strokeOnStage.x(), strokeOnStage.y(), 200, 8, strokeAt + 0.3), 200)
+        << "the white stroke is in the recording";
+    EXPECT_LT(test::brightestLuma(file, quietOnStage.x(), quietOnStage.y(), 200, 40, strokeAt + 0.3), 60)
+        << "the rest of the board is black in the recording";
+}
+
+} // namespace
+} // namespace mirabend
