@@ -87,6 +87,7 @@ public:
     QRect takeDirty();
 
 private:
+    bool solidBox(const QRect& r, QRgb color);
     void touch(const QRect& r);
     QRect normalised(QPoint a, QPoint b) const;
 

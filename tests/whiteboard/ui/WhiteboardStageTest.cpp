@@ -1,7 +1,7 @@
 // The whiteboard inside the running main window on a private X display: the
 // canvas fills its pane in every mode and rotation and keeps its drawing,
-// and a stroke drawn with mouse events shows in a recording of the stage
-// made meanwhile (read back with libavformat).
+// and a stroke drawn and a selection dragged with mouse events show in a
+// recording of the stage made meanwhile (read back with libavformat).
 #include "recording/engine/Screen2Video.h"
 #include "shell/CommandDispatcher.h"
 #include "shell/Mirabend_frm.h"
@@ -121,7 +121,22 @@ TEST_F(WhiteboardStage, AStrokeShowsInARecordingOfTheStageMadeMeanwhile) {
     release({260, 100});
     pump(100);
     const double strokeAt = recorder.Counters().secondsRecorded;
-    pump(1500);
+    pump(1000);
+
+    // A selection around the stroke's left end, dragged 150 pixels down.
+    QTest::keyClick(canvas, Qt::Key_S);
+    press({50, 85});
+    moveHeld({100, 100});
+    moveHeld({110, 115});
+    release({110, 115});
+    ASSERT_TRUE(board->editor().selection().visible);
+    press({80, 100});
+    for (int y = 100; y <= 250; y += 25)
+        moveHeld({80, y});
+    release({80, 250});
+    pump(100);
+    const double draggedAt = recorder.Counters().secondsRecorded;
+    pump(1000);
     recorder.StopCapture();
     ASSERT_TRUE(test::probe(file).opened);
 
@@ -131,6 +146,11 @@ TEST_F(WhiteboardStage, AStrokeShowsInARecordingOfTheStageMadeMeanwhile) {
         << "the white stroke is in the recording";
     EXPECT_LT(test::brightestLuma(file, quietOnStage.x(), quietOnStage.y(), 200, 40, strokeAt + 0.3), 60)
         << "the rest of the board is black in the recording";
+    const QPoint movedOnStage = canvas->mapTo(stage, QPoint(60, 246));
+    EXPECT_GT(test::brightestLuma(file, movedOnStage.x(), movedOnStage.y(), 40, 8, draggedAt + 0.3), 200)
+        << "the dragged selection is in the recording at its new place";
+    EXPECT_GT(test::brightestLuma(file, strokeOnStage.x(), strokeOnStage.y(), 40, 8, draggedAt + 0.3), 200)
+        << "its source stays";
 }
 
 } // namespace
