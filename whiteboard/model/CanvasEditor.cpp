@@ -542,6 +542,7 @@ void CanvasEditor::loadImage(const QImage& image) {
 
 void CanvasEditor::resizeCanvas(QSize size) {
     commitSelection();
+    m_userSized = true;
     m_surface.resizeTo(size.expandedTo(QSize(1, 1)));
     SetImageBuffer();
     clampOffset();

@@ -103,7 +103,8 @@ public:
     // A new picture for the canvas (a board page, an opened image): the
     // history starts again from it.
     void loadImage(const QImage& image);
-    // Resizes the canvas (the resize handles); one history step.
+    // Resizes the canvas (the resize handles); one history step. From then
+    // on the canvas keeps the user's size instead of following its pane.
     void resizeCanvas(QSize size);
 
     // The view: the pane's size, zoom around a pane point, pan.
@@ -158,6 +159,7 @@ private:
     int m_pendingWidth = 1;
     int m_pendingStyle = 0;
     QPoint m_lastStamp;
+    bool m_userSized = false;
 };
 
 } // namespace mirabend

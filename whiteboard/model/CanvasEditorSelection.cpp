@@ -121,8 +121,12 @@ void CanvasEditor::runFilter(QPointF point) {
 
 void CanvasEditor::setViewport(QSize size) {
     m_view.viewport = size;
-    // The canvas always covers its pane at the plain zoom, whatever the mode.
-    m_surface.growTo(size);
+    // The canvas covers its pane at the plain zoom, whatever the mode,
+    // unless the user has given it a size of their own.
+    if (!m_userSized && m_surface.image().size().expandedTo(size) != m_surface.image().size()) {
+        m_surface.growTo(size);
+        m_history.replaceCurrent(m_surface.image());
+    }
     clampOffset();
     emitChanged();
 }

@@ -26,6 +26,12 @@ void ImageHistory::reset(const QImage& image) {
     m_tags[0] = QString::number(static_cast<qint64>(image.width()) * 100000 + image.height());
 }
 
+void ImageHistory::replaceCurrent(const QImage& image) {
+    const auto slot = static_cast<std::size_t>(HistoryCurrent);
+    m_pictures[slot] = image.copy();
+    m_tags[slot] = QString::number(static_cast<qint64>(image.width()) * 100000 + image.height());
+}
+
 void ImageHistory::storeStep(const QImage& image) {
     HistoryWrite = HistoryCurrent;
     SetImageBuffer(image);

@@ -27,6 +27,10 @@ public:
     // Forgets everything and keeps `image` in slot 0.
     void reset(const QImage& image);
 
+    // The slot now shown takes `image` (the canvas grew to its pane: the
+    // step keeps the drawing at the size it is shown at).
+    void replaceCurrent(const QImage& image);
+
     // A new step as the undo command sees it: steps undone are dropped first.
     void storeStep(const QImage& image);
 

@@ -17,7 +17,8 @@ CanvasView::CanvasView(CanvasEditor& editor, CursorLibrary& cursors, const QStri
     setObjectName(name);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
-    setMouseTracking(false);
+    // Tracked so the pointer can show where the resize handles are.
+    setMouseTracking(true);
     setMinimumSize(16, 16);
     refreshCursor();
 }
@@ -41,6 +42,8 @@ int CanvasView::buttonsHeld(Qt::MouseButtons buttons) {
 }
 
 void CanvasView::refreshCursor() {
+    if (m_hovered != NoHandle || m_resizing != NoHandle)
+        return;
     const QString file = m_editor.cursorFile();
     if (file == m_cursorFile)
         return;
@@ -101,6 +104,17 @@ void CanvasView::paintEvent(QPaintEvent* event) {
         }
     }
     p.restore();
+    // The resize handles, and the new outline while one is dragged.
+    AdjustPaintResizeBox();
+    p.setPen(QPen(QColor(0x3a, 0x3f, 0x47), 1));
+    p.setBrush(QColor(0xf4, 0xf6, 0xf8));
+    for (const QRect& h : m_handles)
+        p.drawRect(h.adjusted(0, 0, -1, -1));
+    if (m_resizing != NoHandle) {
+        p.setPen(QPen(Qt::black, 1, Qt::DashLine));
+        p.setBrush(Qt::NoBrush);
+        p.drawRect(QRectF(offset, QSizeF(m_resizeTo) * zoom));
+    }
     // `imgBezier`: the handles of the curve being shaped.
     if (e.bezier().shown) {
         p.setPen(QPen(Qt::black, 1));
@@ -112,18 +126,90 @@ void CanvasView::paintEvent(QPaintEvent* event) {
     }
 }
 
+void CanvasView::AdjustPaintResizeBox() {
+    // Small squares just inside the canvas's right edge, bottom edge and
+    // bottom-right corner, where they stay reachable when the canvas fills
+    // its pane.
+    constexpr int kSide = 7;
+    const QPointF corner =
+        m_editor.toPane(QPointF(m_editor.surface().image().width(), m_editor.surface().image().height()));
+    const QPointF origin = m_editor.view().offset;
+    const int right = static_cast<int>(corner.x()) - kSide;
+    const int bottom = static_cast<int>(corner.y()) - kSide;
+    m_handles[RightHandle] =
+        QRect(right, static_cast<int>((origin.y() + corner.y()) / 2) - kSide / 2, kSide, kSide);
+    m_handles[BottomHandle] =
+        QRect(static_cast<int>((origin.x() + corner.x()) / 2) - kSide / 2, bottom, kSide, kSide);
+    m_handles[CornerHandle] = QRect(right, bottom, kSide, kSide);
+}
+
+CanvasView::Handle CanvasView::handleAt(QPointF panePoint) const {
+    for (int h = CornerHandle; h >= RightHandle; --h) {
+        if (m_handles[h].adjusted(-2, -2, 2, 2).contains(panePoint.toPoint()))
+            return static_cast<Handle>(h);
+    }
+    return NoHandle;
+}
+
+void CanvasView::showHandleCursor(Handle handle) {
+    if (handle == m_hovered)
+        return;
+    m_hovered = handle;
+    if (handle == NoHandle) {
+        m_cursorFile = QStringLiteral("?");
+        refreshCursor();
+        return;
+    }
+    setCursor(handle == RightHandle    ? Qt::SizeHorCursor
+              : handle == BottomHandle ? Qt::SizeVerCursor
+                                       : Qt::SizeFDiagCursor);
+}
+
+void CanvasView::leaveEvent(QEvent* event) {
+    if (m_resizing == NoHandle)
+        showHandleCursor(NoHandle);
+    QWidget::leaveEvent(event);
+}
+
 void CanvasView::mousePressEvent(QMouseEvent* event) {
+    AdjustPaintResizeBox();
+    const Handle handle = handleAt(event->position());
+    if (event->button() == Qt::LeftButton && handle != NoHandle && !m_editor.state().IsDrawing) {
+        m_resizing = handle;
+        m_resizeTo = m_editor.surface().image().size();
+        return;
+    }
     m_editor.MouseDown(buttonOf(event->button()), shiftState(event->modifiers()),
                        m_editor.toCanvas(event->position()));
     refreshCursor();
 }
 
 void CanvasView::mouseMoveEvent(QMouseEvent* event) {
+    if (m_resizing != NoHandle) {
+        const QPointF p = m_editor.toCanvas(event->position());
+        const QSize now = m_editor.surface().image().size();
+        m_resizeTo = QSize(m_resizing == BottomHandle ? now.width() : qMax(8, qRound(p.x())),
+                           m_resizing == RightHandle ? now.height() : qMax(8, qRound(p.y())));
+        update();
+        return;
+    }
+    if (!(event->buttons() & (Qt::LeftButton | Qt::RightButton))) {
+        AdjustPaintResizeBox();
+        showHandleCursor(handleAt(event->position()));
+        return;
+    }
     m_editor.MouseMove(buttonsHeld(event->buttons()), shiftState(event->modifiers()),
                        m_editor.toCanvas(event->position()));
 }
 
 void CanvasView::mouseReleaseEvent(QMouseEvent* event) {
+    if (m_resizing != NoHandle) {
+        m_resizing = NoHandle;
+        if (m_resizeTo != m_editor.surface().image().size())
+            m_editor.resizeCanvas(m_resizeTo);
+        update();
+        return;
+    }
     m_editor.MouseUp(buttonOf(event->button()), shiftState(event->modifiers()),
                      m_editor.toCanvas(event->position()));
     refreshCursor();

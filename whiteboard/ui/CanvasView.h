@@ -43,14 +43,25 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void leaveEvent(QEvent* event) override;
 
 private:
+    // The canvas resize handles: right edge, bottom edge, corner (pane units).
+    enum Handle { NoHandle = -1, RightHandle = 0, BottomHandle = 1, CornerHandle = 2 };
+    void AdjustPaintResizeBox();
+    Handle handleAt(QPointF panePoint) const;
+    void showHandleCursor(Handle handle);
+
     static int buttonOf(Qt::MouseButton button);
     static int buttonsHeld(Qt::MouseButtons buttons);
 
     CanvasEditor& m_editor;
     CursorLibrary& m_cursors;
     QString m_cursorFile = QStringLiteral("?");
+    QRect m_handles[3];
+    Handle m_resizing = NoHandle;
+    Handle m_hovered = NoHandle;
+    QSize m_resizeTo;
 };
 
 } // namespace mirabend

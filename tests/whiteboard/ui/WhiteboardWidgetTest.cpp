@@ -267,6 +267,18 @@ TEST_F(WhiteboardWidgets, TheCanvasFillsItsPaneAndKeepsItsDrawing) {
         EXPECT_TRUE(image().width() >= size.width() && image().height() >= size.height());
         EXPECT_NE(image().pixel(50, 10), kWhite) << "the drawing stays";
     }
+    // The corner handle makes the canvas smaller; it keeps that size after.
+    const QSize full = image().size();
+    dragOnCanvas({{full.width() - 3, full.height() - 3}, {200, 150}, {300, 200}});
+    EXPECT_EQ(image().size(), QSize(300, 200));
+    const ImageHistory& history = board->editor().history();
+    EXPECT_EQ(history.tag(history.HistoryWrite), QStringLiteral("30000200"));
+    pane->resize(625, 469);
+    QApplication::processEvents();
+    EXPECT_EQ(image().size(), QSize(300, 200));
+    EXPECT_NE(image().pixel(50, 10), kWhite);
+    board->undo();
+    EXPECT_EQ(image().size(), full);
 }
 
 } // namespace
