@@ -34,10 +34,12 @@ Whiteboard::Whiteboard(Prompts& prompts, QObject* parent)
 }
 
 Whiteboard::~Whiteboard() {
-    // The widgets outlive us when their pane does: they must not call back.
+    // The canvas widgets work on the editor: they go with it, before it.
     m_editor->changed = nullptr;
     m_editor->stateChanged = nullptr;
     m_editor->placeText = nullptr;
+    delete m_picProg.data();
+    delete m_picPaint.data();
 }
 
 void Whiteboard::attachCanvas(QWidget* parentPic) {

@@ -8,9 +8,11 @@
 // Thread contract: UI thread only.
 
 #include "whiteboard/model/CanvasEditor.h"
+#include "whiteboard/ui/CanvasView.h"
 #include "whiteboard/ui/CursorLibrary.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <functional>
 #include <memory>
@@ -19,7 +21,6 @@
 namespace mirabend {
 
 class CanvasTextBox;
-class CanvasView;
 class DrawPanel;
 class Prompts;
 
@@ -87,8 +88,8 @@ private:
     Prompts& m_prompts;
     std::unique_ptr<CanvasEditor> m_editor;
     CursorLibrary m_cursors;
-    CanvasView* m_picPaint = nullptr;
-    CanvasView* m_picProg = nullptr;
+    QPointer<CanvasView> m_picPaint;
+    QPointer<CanvasView> m_picProg;
     CanvasTextBox* m_textBox = nullptr;
     DrawPanel* m_panel = nullptr;
     std::vector<FilterChoice> m_filters;
