@@ -22,6 +22,7 @@ void attachFilters(Whiteboard& board) {
     board.setFilters([](QImage& target, int number, QRgb fore, QRgb fill,
                         QRect area) { applyFilter(target, number, fore, fill, area); },
                      std::move(choices));
+    board.editor().setFilterBrushSize([](int penWidth) { return filterBrushSize(penWidth); });
 #else
     (void)board;
 #endif

@@ -91,6 +91,9 @@ public:
     void setFilterOperation(FilterOperation op) { m_filter = std::move(op); }
     bool hasFilterOperation() const { return static_cast<bool>(m_filter); }
     void setFilterNumber(int number) { m_filterNumber = number; }
+    // The side of the square the filter tool works on for a pen width
+    // (default: eight times the width).
+    void setFilterBrushSize(std::function<int(int)> size) { m_filterBrushSize = std::move(size); }
     int filterNumber() const { return m_filterNumber; }
     // Applies the current filter at `point`, or to the whole target at (-1, -1).
     void runFilter(QPointF point);
@@ -153,6 +156,7 @@ private:
     QFont m_textFont;
     FilterOperation m_filter;
     int m_filterNumber = 1;
+    std::function<int(int)> m_filterBrushSize;
     std::mt19937 m_random;
     // The pen the pending polygon or curve was drawn with, so erasing it
     // draws exactly the same pixels.

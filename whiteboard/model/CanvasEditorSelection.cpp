@@ -106,11 +106,11 @@ void CanvasEditor::runFilter(QPointF point) {
             SetImageBuffer();
         m_surface.setImage(m_surface.image());
     } else {
-        // At the pointer: a square brush of eight times the pen width.
+        // At the pointer: a square brush that grows with the pen width.
         QPoint p(qRound(point.x()), qRound(point.y()));
         if (m_selection.visible)
             p -= m_selection.pos;
-        const int side = m_state.penWidth() * 8;
+        const int side = m_filterBrushSize ? m_filterBrushSize(m_state.penWidth()) : m_state.penWidth() * 8;
         const QRect area = QRect(p.x() - side / 2, p.y() - side / 2, side, side) & target.rect();
         if (!area.isEmpty())
             m_filter(target, m_filterNumber, m_state.foreColor, m_state.fillColor, area);
