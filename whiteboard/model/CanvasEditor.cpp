@@ -501,17 +501,12 @@ void CanvasEditor::SetImageBuffer() {
 
 bool CanvasEditor::undo() {
     commitSelection();
-    const auto image = m_history.undo();
-    if (!image)
-        return false;
-    m_surface.setImage(*image);
-    emitChanged();
-    emitState();
-    return true;
+    return showStep(m_history.undo());
 }
 
-bool CanvasEditor::redo() {
-    const auto image = m_history.redo();
+bool CanvasEditor::redo() { return showStep(m_history.redo()); }
+
+bool CanvasEditor::showStep(const std::optional<QImage>& image) {
     if (!image)
         return false;
     m_surface.setImage(*image);

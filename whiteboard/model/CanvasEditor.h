@@ -15,6 +15,7 @@
 #include <QPointF>
 #include <array>
 #include <functional>
+#include <optional>
 #include <random>
 
 namespace mirabend {
@@ -144,6 +145,7 @@ private:
     void selectionDown(QPoint p);
     void selectionRelease(QPoint p, int shift);
     void clampOffset();
+    bool showStep(const std::optional<QImage>& image);
     void emitChanged();
     void emitState();
 
