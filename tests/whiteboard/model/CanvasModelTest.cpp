@@ -432,5 +432,41 @@ TEST(Selection, PasteClearUndoTextAndZoomedDrawing) {
     EXPECT_NEAR(canvas.x(), 100 + (37 - 100) / 4.0, 0.01) << "the zoom kept the clicked point in place";
 }
 
+TEST(FilterHook, WholeTargetOrAtThePointerWithAHistoryStepOnlyForTheBoard) {
+    CanvasEditor e(QSize(100, 100));
+    std::vector<std::pair<int, QRect>> calls;
+    e.setFilterOperation([&calls](QImage& target, int number, QRgb fore, QRgb fill, QRect area) {
+        EXPECT_EQ(fore, kBlack);
+        EXPECT_EQ(fill, kWhite);
+        calls.emplace_back(number, area);
+        for (int y = area.top(); y <= area.bottom(); ++y)
+            for (int x = area.left(); x <= area.right(); ++x)
+                target.setPixel(x, y, target.pixel(x, y) ^ 0xffffff);
+    });
+    e.setFilterNumber(10);
+    int steps = e.history().HistoryWrite;
+    e.runFilter(QPointF(-1, -1));
+    EXPECT_EQ(px(e, 99, 99), kBlack);
+    EXPECT_EQ(e.history().HistoryWrite - steps, 1);
+
+    e.selectTool(ToolFilter); // pen width 1: an 8 x 8 square at the pointer
+    steps = e.history().HistoryWrite;
+    drag(e, {50, 50}, {});
+    EXPECT_EQ(calls.back(), std::make_pair(10, QRect(46, 46, 8, 8)));
+    EXPECT_EQ(px(e, 50, 50), kWhite);
+    EXPECT_EQ(px(e, 60, 50), kBlack);
+    EXPECT_EQ(e.history().HistoryWrite - steps, 1);
+
+    e.selectTool(ToolSelect);
+    drag(e, {10, 10}, {{30, 30}});
+    const QImage board = e.surface().image().copy();
+    steps = e.history().HistoryWrite;
+    e.runFilter(QPointF(-1, -1));
+    EXPECT_EQ(calls.back().second, QRect(0, 0, 20, 20)) << "the floating selection is the target";
+    EXPECT_EQ(e.surface().image(), board);
+    EXPECT_EQ(e.history().HistoryWrite, steps);
+    EXPECT_EQ(e.selection().image.pixel(5, 5), kWhite);
+}
+
 } // namespace
 } // namespace mirabend
