@@ -81,6 +81,9 @@ public:
     // The selection frame, drawn under the XOR pen: once shows, twice removes.
     void DrawSelectionRect();
     void commitSelection();
+    // Drops a floating selection without stamping it (Escape): the board
+    // stays as it was before the selection was made or pasted.
+    void discardSelection();
     // Puts `image` on the canvas as a floating selection at `topLeft`.
     void pasteImage(const QImage& image, QPoint topLeft);
     // Prints canvas text at `topLeft` in the fore colour; one history step.
@@ -116,6 +119,11 @@ public:
     void zoomAt(QPointF canvasPoint, bool out);
     QPointF toPane(QPointF canvasPoint) const { return canvasPoint * m_view.zoom + m_view.offset; }
     QPointF toCanvas(QPointF panePoint) const { return (panePoint - m_view.offset) / m_view.zoom; }
+    // The canvas point a pointer event at `panePoint` means: the canvas
+    // pixel shown under the pointer for the drawing tools (at 8x a press
+    // anywhere in a magnified pixel draws on that pixel), the exact point
+    // for zoom and hand, which keep or move what lies under the pointer.
+    QPointF eventPoint(QPointF panePoint) const;
 
     // The cursor file the canvas shows now (empty: the default arrow).
     QString cursorFile() const;

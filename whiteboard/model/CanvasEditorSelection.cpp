@@ -3,6 +3,8 @@
 #include "whiteboard/model/CanvasEditor.h"
 #include "whiteboard/model/ShapeGeometry.h"
 
+#include <cmath>
+
 namespace mirabend {
 
 void CanvasEditor::DrawSelectionRect() {
@@ -32,6 +34,15 @@ void CanvasEditor::commitSelection() {
     m_selection.dragging = false;
     m_surface.drawImage(m_selection.pos, m_selection.image);
     SetImageBuffer();
+    emitChanged();
+}
+
+void CanvasEditor::discardSelection() {
+    if (!m_selection.visible)
+        return;
+    DrawSelectionRect();
+    m_selection.visible = false;
+    m_selection.dragging = false;
     emitChanged();
 }
 
@@ -129,6 +140,14 @@ void CanvasEditor::setViewport(QSize size) {
     }
     clampOffset();
     emitChanged();
+}
+
+QPointF CanvasEditor::eventPoint(QPointF panePoint) const {
+    if (m_state.CurrentTool == ToolZoom || m_state.CurrentTool == ToolHand)
+        return toCanvas(panePoint);
+    // Pane pixel p covers [p, p + 1); its centre decides the canvas pixel.
+    const QPointF centre = toCanvas(panePoint + QPointF(0.5, 0.5));
+    return QPointF(std::floor(centre.x()), std::floor(centre.y()));
 }
 
 void CanvasEditor::zoomAt(QPointF canvasPoint, bool out) {

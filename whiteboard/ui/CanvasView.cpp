@@ -89,21 +89,24 @@ void CanvasView::paintEvent(QPaintEvent* event) {
         p.drawImage(visible.topLeft(), image, visible);
         p.restore();
     }
-    // `picSelect` floats above the canvas; while it is dragged it carries
-    // an outline of its own.
+    // `picSelect` floats above the canvas. Its picture covers the top and
+    // left edges of the XOR frame on the canvas (and while it is dragged the
+    // frame is away), so the view outlines it too, dotted black on white so
+    // it shows on any picture.
     const FloatingSelection& sel = e.selection();
-    p.save();
-    p.translate(offset);
-    p.scale(zoom, zoom);
     if (sel.visible) {
+        p.save();
+        p.translate(offset);
+        p.scale(zoom, zoom);
         p.drawImage(sel.pos, sel.image);
-        if (sel.dragging) {
-            p.setPen(QPen(Qt::black, 0, Qt::DotLine));
-            p.setBrush(Qt::NoBrush);
-            p.drawRect(QRectF(sel.rect()));
-        }
+        p.restore();
+        const QRectF outline = QRectF(e.toPane(sel.pos), QSizeF(sel.image.size()) * zoom);
+        p.setBrush(Qt::NoBrush);
+        p.setPen(QPen(Qt::white, 1));
+        p.drawRect(outline);
+        p.setPen(QPen(Qt::black, 1, Qt::DotLine));
+        p.drawRect(outline);
     }
-    p.restore();
     // The resize handles, and the new outline while one is dragged.
     AdjustPaintResizeBox();
     p.setPen(QPen(QColor(0x3a, 0x3f, 0x47), 1));
@@ -180,7 +183,7 @@ void CanvasView::mousePressEvent(QMouseEvent* event) {
         return;
     }
     m_editor.MouseDown(buttonOf(event->button()), shiftState(event->modifiers()),
-                       m_editor.toCanvas(event->position()));
+                       m_editor.eventPoint(event->position()));
     refreshCursor();
 }
 
@@ -199,7 +202,7 @@ void CanvasView::mouseMoveEvent(QMouseEvent* event) {
         return;
     }
     m_editor.MouseMove(buttonsHeld(event->buttons()), shiftState(event->modifiers()),
-                       m_editor.toCanvas(event->position()));
+                       m_editor.eventPoint(event->position()));
 }
 
 void CanvasView::mouseReleaseEvent(QMouseEvent* event) {
@@ -211,7 +214,7 @@ void CanvasView::mouseReleaseEvent(QMouseEvent* event) {
         return;
     }
     m_editor.MouseUp(buttonOf(event->button()), shiftState(event->modifiers()),
-                     m_editor.toCanvas(event->position()));
+                     m_editor.eventPoint(event->position()));
     refreshCursor();
 }
 
@@ -235,6 +238,10 @@ void CanvasView::keyPressEvent(QKeyEvent* event) {
     }
     if (event->matches(QKeySequence::Paste)) {
         Q_EMIT pasteRequested();
+        return;
+    }
+    if (event->key() == Qt::Key_Escape && m_editor.selection().visible && !m_editor.selection().dragging) {
+        m_editor.discardSelection();
         return;
     }
     if ((mods == Qt::NoModifier || mods == Qt::ShiftModifier) && !event->text().isEmpty() &&

@@ -152,8 +152,11 @@ QWidget* DrawPanel::buildFilterAndFont() {
     m_filter->setToolTip(tr("The filter tool's filter"));
     m_applyFilter = commandButton(QStringLiteral("cmdApplyFilter"), tr("Apply"),
                                   tr("Apply the filter to the selection or the whole board"), box);
-    grid->addWidget(m_filter, 0, 0, 1, 2);
-    grid->addWidget(m_applyFilter, 0, 2);
+    auto* filterLabel = new QLabel(tr("Fil&ter:"), box);
+    filterLabel->setBuddy(m_filter);
+    grid->addWidget(filterLabel, 0, 0, 1, 3);
+    grid->addWidget(m_filter, 1, 0, 1, 2);
+    grid->addWidget(m_applyFilter, 1, 2);
 
     m_font = new QFontComboBox(box);
     m_font->setObjectName(QStringLiteral("cboTextFont"));
@@ -167,8 +170,11 @@ QWidget* DrawPanel::buildFilterAndFont() {
     m_fontSize->setRange(6, 144);
     m_fontSize->setValue(m_board.editor().textFont().pointSize());
     m_fontSize->setToolTip(tr("Text size in points"));
-    grid->addWidget(m_font, 1, 0, 1, 2);
-    grid->addWidget(m_fontSize, 1, 2);
+    auto* fontLabel = new QLabel(tr("Te&xt font:"), box);
+    fontLabel->setBuddy(m_font);
+    grid->addWidget(fontLabel, 2, 0, 1, 3);
+    grid->addWidget(m_font, 3, 0, 1, 2);
+    grid->addWidget(m_fontSize, 3, 2);
     grid->setColumnStretch(0, 1);
 
     connect(m_filter, QOverload<int>::of(&QComboBox::activated), this,
@@ -193,6 +199,8 @@ QWidget* DrawPanel::buildCommands() {
     auto* undo = commandButton(QStringLiteral("cmdUndo"), tr("Undo"), tr("Undo the last step (Ctrl+Z)"), box);
     auto* redo =
         commandButton(QStringLiteral("cmdRedo"), tr("Redo"), tr("Redo the step undone (Ctrl+Y)"), box);
+    auto* paste = commandButton(QStringLiteral("cmdPaste"), tr("Paste"),
+                                tr("Paste a picture from the clipboard to place on the board (Ctrl+V)"), box);
     auto* clear = commandButton(QStringLiteral("cmdClearBoard"), tr("Clear board"),
                                 tr("Wipe the board (Undo brings it back)"), box);
     auto* save = commandButton(QStringLiteral("cmdSaveBoard"), tr("Save board as..."),
@@ -204,10 +212,13 @@ QWidget* DrawPanel::buildCommands() {
     m_pageLabel = new QLabel(box);
     m_pageLabel->setObjectName(QStringLiteral("lblPage"));
     m_pageLabel->setAlignment(Qt::AlignCenter);
-    for (QToolButton* b : {undo, redo, clear, save})
+    for (QToolButton* b : {undo, redo, paste, clear, save})
         b->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    grid->addWidget(undo, 0, 0);
-    grid->addWidget(redo, 0, 1);
+    auto* edits = new QHBoxLayout;
+    edits->setSpacing(3);
+    for (QToolButton* b : {undo, redo, paste})
+        edits->addWidget(b);
+    grid->addLayout(edits, 0, 0, 1, 2);
     grid->addWidget(clear, 1, 0);
     grid->addWidget(save, 1, 1);
     auto* pages = new QHBoxLayout;
@@ -217,6 +228,7 @@ QWidget* DrawPanel::buildCommands() {
     grid->addLayout(pages, 2, 0, 1, 2);
     connect(undo, &QToolButton::clicked, this, [this] { m_board.undo(); });
     connect(redo, &QToolButton::clicked, this, [this] { m_board.redo(); });
+    connect(paste, &QToolButton::clicked, this, [this] { m_board.paste(); });
     connect(clear, &QToolButton::clicked, this, [this] { m_board.clearBoard(); });
     connect(save, &QToolButton::clicked, this, [this] { m_board.saveBoardAs(); });
     connect(m_previousPage, &QToolButton::clicked, this, [this] { m_board.previousPage(); });

@@ -139,7 +139,12 @@ void Whiteboard::paste() {
     }
     // The picture lands at the top left of what the pane shows.
     const QPointF corner = m_editor->toCanvas(QPointF(0, 0));
+    if (m_textBox)
+        m_textBox->commit();
     m_editor->pasteImage(image, QPoint(qRound(corner.x()), qRound(corner.y())));
+    // The canvas takes the keys again, so Escape drops the picture.
+    if (m_picPaint)
+        m_picPaint->setFocus(Qt::OtherFocusReason);
     Q_EMIT stateChanged();
 }
 

@@ -10,17 +10,23 @@
 #include "support/ChildProcess.h"
 #include "support/MediaProbe.h"
 #include "support/ScriptedPrompts.h"
+#include "whiteboard/filters/ImageFilters.h"
 #include "whiteboard/ui/CanvasView.h"
 #include "whiteboard/ui/ColorPalette.h"
 #include "whiteboard/ui/DrawPanel.h"
 #include "whiteboard/ui/Whiteboard.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QTest>
+#include <QToolButton>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace mirabend {
 namespace {
@@ -63,6 +69,42 @@ protected:
         QApplication::sendEvent(canvas, &event);
     }
     void release(QPoint at) { QTest::mouseRelease(canvas, Qt::LeftButton, {}, at); }
+    // "X Y" on the screen for a canvas point, as xdotool takes it.
+    std::string at(QPoint canvasPoint) const {
+        const QPoint p = canvas->mapToGlobal(canvasPoint);
+        return std::to_string(p.x()) + " " + std::to_string(p.y());
+    }
+    // Runs xdotool's commands on the private display (XTest: real pointer
+    // events through the X server) while the program handles them.
+    bool pointer(const std::vector<std::string>& commands) {
+        std::vector<std::string> argv{"xdotool"};
+        for (const std::string& c : commands) {
+            // "X Y" pairs are two arguments.
+            const auto space = c.find(' ');
+            if (space == std::string::npos) {
+                argv.push_back(c);
+            } else {
+                argv.push_back(c.substr(0, space));
+                argv.push_back(c.substr(space + 1));
+            }
+        }
+        test::ChildProcess tool;
+        if (!tool.start(argv))
+            return false;
+        const bool ended = waitFor([&tool] { return !tool.running(); });
+        return ended && tool.exitCode() == 0;
+    }
+    static bool waitFor(const std::function<bool()>& condition, int ms = 20000) {
+        QElapsedTimer timer;
+        timer.start();
+        while (!condition()) {
+            if (timer.elapsed() > ms)
+                return false;
+            QApplication::processEvents(QEventLoop::AllEvents, 20);
+            QTest::qWait(10);
+        }
+        return true;
+    }
     QRgb pixel(QPoint p) { return board->editor().surface().image().pixel(p); }
 
     test::ScriptedPrompts prompts;
@@ -95,7 +137,36 @@ TEST_F(WhiteboardStage, TheCanvasFillsItsPaneInEveryModeAndRotationAndKeepsItsDr
     EXPECT_GE(checked, 4);
 }
 
+TEST_F(WhiteboardStage, TheDrawBarListsTheFiltersAndBothWaysOfFilteringUseThem) {
+    DrawPanel* panel = board->panel();
+    QComboBox* list = panel->filters();
+    ASSERT_EQ(list->count(), static_cast<int>(imageFilters().size()));
+    const int invert = list->findData(static_cast<int>(ImageFilterNumber::Invert));
+    ASSERT_GE(invert, 0);
+    list->setCurrentIndex(invert);
+    Q_EMIT list->activated(invert);
+
+    const ImageHistory& history = board->editor().history();
+    const int steps = history.HistoryWrite;
+    QTest::mouseClick(panel->findChild<QToolButton*>(QStringLiteral("cmdApplyFilter")), Qt::LeftButton);
+    EXPECT_EQ(pixel({3, 3}), qRgb(0, 0, 0)) << "the whole board inverted";
+    EXPECT_EQ(pixel({400, 300}), qRgb(0, 0, 0));
+    EXPECT_EQ(history.HistoryWrite - steps, 1);
+
+    // The filter tool works on its brush square under the pointer.
+    QTest::keyClick(canvas, Qt::Key_X);
+    press({200, 200});
+    release({200, 200});
+    const QRect square = filterBrushRect({200, 200}, filterBrushSize(board->editor().state().penWidth()));
+    EXPECT_EQ(pixel(square.topLeft()), qRgb(255, 255, 255));
+    EXPECT_EQ(pixel(square.bottomRight()), qRgb(255, 255, 255));
+    EXPECT_EQ(pixel(square.topLeft() - QPoint(1, 1)), qRgb(0, 0, 0));
+    EXPECT_EQ(pixel(square.bottomRight() + QPoint(1, 1)), qRgb(0, 0, 0));
+    EXPECT_EQ(history.HistoryWrite - steps, 2);
+}
+
 TEST_F(WhiteboardStage, AStrokeShowsInARecordingOfTheStageMadeMeanwhile) {
+    ASSERT_TRUE(test::haveProgram("xdotool")) << "the pointer is driven with xdotool: install it";
     Stage* stage = window->context().stage;
     auto* panel = static_cast<DrawPanel*>(board->panel());
     test::TempFolder folder{"mirabend-board"};
@@ -123,17 +194,22 @@ TEST_F(WhiteboardStage, AStrokeShowsInARecordingOfTheStageMadeMeanwhile) {
     const double strokeAt = recorder.Counters().secondsRecorded;
     pump(1000);
 
-    // A selection around the stroke's left end, dragged 150 pixels down.
+    // A selection around the stroke's left end, dragged 150 pixels down by
+    // the display's own pointer, as a user's mouse does it.
     QTest::keyClick(canvas, Qt::Key_S);
-    press({50, 85});
-    moveHeld({100, 100});
-    moveHeld({110, 115});
-    release({110, 115});
-    ASSERT_TRUE(board->editor().selection().visible);
-    press({80, 100});
-    for (int y = 100; y <= 250; y += 25)
-        moveHeld({80, y});
-    release({80, 250});
+    ASSERT_TRUE(pointer({"mousemove", at({50, 85}), "mousedown", "1", "mousemove", at({100, 100}),
+                         "mousemove", at({110, 115}), "mouseup", "1"}));
+    ASSERT_TRUE(waitFor([this] { return board->editor().selection().visible; }));
+    EXPECT_EQ(board->editor().selection().rect(), QRect(50, 85, 60, 30));
+    pump(600); // the next press is no double-click
+    std::vector<std::string> drag{"mousemove", at({80, 100}), "mousedown", "1"};
+    for (int y = 125; y <= 250; y += 25)
+        drag.insert(drag.end(), {"sleep", "0.05", "mousemove", at({80, y})});
+    drag.insert(drag.end(), {"mouseup", "1"});
+    ASSERT_TRUE(pointer(drag));
+    ASSERT_TRUE(waitFor([this] {
+        return board->editor().selection().pos == QPoint(50, 235) && !board->editor().selection().dragging;
+    }));
     pump(100);
     const double draggedAt = recorder.Counters().secondsRecorded;
     pump(1000);

@@ -233,6 +233,13 @@ TEST_F(WhiteboardWidgets, UndoRedoClearPasteSaveAndPages) {
     board->chooseTool(ToolPencil);
     EXPECT_EQ(image().pixel(210, 110), qRgb(255, 0, 0));
     EXPECT_EQ(image().pixel(50, 10), drawn.pixel(50, 10));
+    const QImage pasted = image();
+    QTest::mouseClick(panel->findChild<QToolButton*>(QStringLiteral("cmdPaste")), Qt::LeftButton);
+    ASSERT_TRUE(board->editor().selection().visible);
+    QTest::keyClick(canvas, Qt::Key_Escape);
+    EXPECT_FALSE(board->editor().selection().visible);
+    EXPECT_EQ(image(), pasted) << "Escape drops a pasted picture, frame and all";
+    board->chooseTool(ToolPencil);
 
     QTemporaryDir dir;
     prompts.answerFile(dir.filePath(QStringLiteral("board")));
@@ -255,6 +262,48 @@ TEST_F(WhiteboardWidgets, UndoRedoClearPasteSaveAndPages) {
     EXPECT_TRUE(board->editor().history().canUndo()) << "each board keeps its history";
     board->nextPage();
     EXPECT_NE(image().pixel(50, 200), kWhite);
+}
+
+TEST_F(WhiteboardWidgets, ZoomClicksDrawUnderThePointerAndTheHandPansWithAGrabbingHand) {
+    const ViewTransform& view = board->editor().view();
+    canvas->setFocus();
+    QTest::keyClick(canvas, Qt::Key_Z);
+    for (double zoom : {2.0, 4.0, 8.0, 8.0}) {
+        dragOnCanvas({{100, 100}});
+        EXPECT_EQ(view.zoom, zoom) << "two-fold per click, at most eight-fold";
+    }
+    dragOnCanvas({{100, 100}}, Qt::ShiftModifier);
+    EXPECT_EQ(view.zoom, 4.0) << "Shift+click zooms out";
+    dragOnCanvas({{100, 100}});
+    EXPECT_EQ(board->editor().toCanvas(QPointF(100, 100)), QPointF(100, 100)) << "the clicked point stays";
+
+    // Wherever the pointer sits inside a magnified pixel, the pencil inks
+    // that one canvas pixel, and the pane shows it under the pointer.
+    QTest::keyClick(canvas, Qt::Key_P);
+    for (QPoint at : {QPoint(96, 96), QPoint(103, 96), QPoint(100, 111), QPoint(301, 222), QPoint(7, 430)}) {
+        const QImage before = image();
+        dragOnCanvas({at});
+        int inked = 0;
+        for (int y = 0; y < before.height(); ++y)
+            for (int x = 0; x < before.width(); ++x)
+                inked += image().pixel(x, y) != before.pixel(x, y);
+        EXPECT_EQ(inked, 1) << at.x() << "," << at.y();
+        EXPECT_EQ(canvas->grab().toImage().pixel(at), qRgb(0, 0, 0)) << at.x() << "," << at.y();
+    }
+
+    // The hand: a flat hand, grabbing while it drags the board along.
+    QTest::keyClick(canvas, Qt::Key_H);
+    const QImage flat = canvas->cursor().pixmap().toImage();
+    const QPointF offset = view.offset;
+    send(QEvent::MouseButtonPress, {300, 200}, Qt::LeftButton, Qt::LeftButton);
+    const QImage grabbing = canvas->cursor().pixmap().toImage();
+    EXPECT_NE(grabbing, flat);
+    send(QEvent::MouseMove, {260, 150}, Qt::NoButton, Qt::LeftButton);
+    send(QEvent::MouseButtonRelease, {260, 150}, Qt::LeftButton, Qt::NoButton);
+    EXPECT_EQ(view.offset - offset, QPointF(-40, -50));
+    EXPECT_EQ(canvas->cursor().pixmap().toImage(), flat);
+    EXPECT_EQ(canvas->grab().toImage().pixel(QPoint(301, 222) - QPoint(40, 50)), qRgb(0, 0, 0))
+        << "the drawing moved with the hand";
 }
 
 TEST_F(WhiteboardWidgets, TheCanvasFillsItsPaneAndKeepsItsDrawing) {
