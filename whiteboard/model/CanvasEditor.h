@@ -117,6 +117,8 @@ public:
     // The view: the pane's size, zoom around a pane point, pan.
     void setViewport(QSize size);
     void zoomAt(QPointF canvasPoint, bool out);
+    // Moves the canvas inside its pane (the mouse wheel), kept in reach.
+    void panBy(QPointF paneDelta);
     QPointF toPane(QPointF canvasPoint) const { return canvasPoint * m_view.zoom + m_view.offset; }
     QPointF toCanvas(QPointF panePoint) const { return (panePoint - m_view.offset) / m_view.zoom; }
     // The canvas point a pointer event at `panePoint` means: the canvas

@@ -160,6 +160,12 @@ void CanvasEditor::zoomAt(QPointF canvasPoint, bool out) {
     emitState();
 }
 
+void CanvasEditor::panBy(QPointF paneDelta) {
+    m_view.offset += paneDelta;
+    clampOffset();
+    emitState();
+}
+
 void CanvasEditor::clampOffset() {
     const QSizeF scaled = QSizeF(m_surface.image().size()) * m_view.zoom;
     const QSize vp = m_view.viewport;

@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QWheelEvent>
 
 namespace mirabend {
 
@@ -240,6 +241,10 @@ void CanvasView::keyPressEvent(QKeyEvent* event) {
         Q_EMIT pasteRequested();
         return;
     }
+    if ((event->key() == Qt::Key_PageDown || event->key() == Qt::Key_PageUp) && !m_editor.state().IsDrawing) {
+        Q_EMIT pageRequested(event->key() == Qt::Key_PageDown ? 1 : -1);
+        return;
+    }
     if (event->key() == Qt::Key_Escape && m_editor.selection().visible && !m_editor.selection().dragging) {
         m_editor.discardSelection();
         return;
@@ -260,6 +265,22 @@ void CanvasView::keyReleaseEvent(QKeyEvent* event) {
         m_editor.KeyUp(13, shiftState(event->modifiers()));
     else
         QWidget::keyReleaseEvent(event);
+}
+
+void CanvasView::wheelEvent(QWheelEvent* event) {
+    // Ctrl+wheel zooms around the pointer like the zoom tool; the wheel
+    // alone scrolls a canvas larger than its pane (Shift: sideways).
+    const QPoint steps = event->angleDelta();
+    if (event->modifiers() & Qt::ControlModifier) {
+        if (steps.y() != 0)
+            m_editor.zoomAt(m_editor.toCanvas(event->position()), steps.y() < 0);
+    } else {
+        QPointF delta = event->pixelDelta().isNull() ? QPointF(steps) / 2.0 : QPointF(event->pixelDelta());
+        if (event->modifiers() & Qt::ShiftModifier)
+            delta = QPointF(delta.y(), delta.x());
+        m_editor.panBy(delta);
+    }
+    event->accept();
 }
 
 void CanvasView::resizeEvent(QResizeEvent* event) {

@@ -33,6 +33,9 @@ Q_SIGNALS:
     void pasteRequested();
     void undoRequested();
     void redoRequested();
+    // Page Down / Page Up (a presenter's clicker sends them): the next or
+    // previous board.
+    void pageRequested(int step);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -44,6 +47,7 @@ protected:
     void keyReleaseEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     // The canvas resize handles: right edge, bottom edge, corner (pane units).

@@ -205,10 +205,10 @@ QWidget* DrawPanel::buildCommands() {
                                 tr("Wipe the board (Undo brings it back)"), box);
     auto* save = commandButton(QStringLiteral("cmdSaveBoard"), tr("Save board as..."),
                                tr("Save the board as a PNG picture"), box);
-    m_previousPage =
-        commandButton(QStringLiteral("cmdPreviousPage"), QStringLiteral("\u25c0"), tr("Previous board"), box);
+    m_previousPage = commandButton(QStringLiteral("cmdPreviousPage"), QStringLiteral("\u25c0"),
+                                   tr("Previous board (Page Up)"), box);
     auto* next = commandButton(QStringLiteral("cmdNextPage"), QStringLiteral("\u25b6"),
-                               tr("Next board (a new one after the last)"), box);
+                               tr("Next board, a new one after the last (Page Down)"), box);
     m_pageLabel = new QLabel(box);
     m_pageLabel->setObjectName(QStringLiteral("lblPage"));
     m_pageLabel->setAlignment(Qt::AlignCenter);

@@ -64,6 +64,8 @@ void Whiteboard::attachCanvas(QWidget* parentPic) {
         connect(view, &CanvasView::undoRequested, this, &Whiteboard::undo);
         connect(view, &CanvasView::redoRequested, this, &Whiteboard::redo);
         connect(view, &CanvasView::pasteRequested, this, &Whiteboard::paste);
+        connect(view, &CanvasView::pageRequested, this,
+                [this](int step) { step > 0 ? nextPage() : previousPage(); });
     }
     m_editor->setViewport(parentPic->size());
 }
@@ -155,6 +157,8 @@ void Whiteboard::clearBoard() {
 }
 
 void Whiteboard::saveBoardAs() {
+    if (m_textBox)
+        m_textBox->commit();
     m_editor->commitSelection();
     FileRequest request;
     request.title = tr("Save board as");

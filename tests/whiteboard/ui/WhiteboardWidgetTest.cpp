@@ -20,6 +20,7 @@
 #include <QTest>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -252,12 +253,12 @@ TEST_F(WhiteboardWidgets, UndoRedoClearPasteSaveAndPages) {
     EXPECT_TRUE(prompts.messages[0].text.contains(QStringLiteral("can't save")));
 
     const QImage first = image();
-    board->nextPage();
+    QTest::keyClick(canvas, Qt::Key_PageDown);
     EXPECT_EQ(board->pageCount(), 2);
     EXPECT_EQ(image().pixel(50, 10), kWhite) << "a new board is blank";
     EXPECT_FALSE(board->editor().history().canUndo());
     dragOnCanvas({{10, 200}, {100, 200}});
-    board->previousPage();
+    QTest::keyClick(canvas, Qt::Key_PageUp);
     EXPECT_EQ(image(), first);
     EXPECT_TRUE(board->editor().history().canUndo()) << "each board keeps its history";
     board->nextPage();
@@ -304,6 +305,19 @@ TEST_F(WhiteboardWidgets, ZoomClicksDrawUnderThePointerAndTheHandPansWithAGrabbi
     EXPECT_EQ(canvas->cursor().pixmap().toImage(), flat);
     EXPECT_EQ(canvas->grab().toImage().pixel(QPoint(301, 222) - QPoint(40, 50)), qRgb(0, 0, 0))
         << "the drawing moved with the hand";
+
+    const auto wheel = [this](int dy, Qt::KeyboardModifiers mods) {
+        QWheelEvent event(QPointF(100, 100), canvas->mapToGlobal(QPointF(100, 100)), QPoint(), QPoint(0, dy),
+                          Qt::NoButton, mods, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(canvas, &event);
+    };
+    wheel(-120, Qt::ControlModifier);
+    EXPECT_EQ(view.zoom, 4.0) << "Ctrl+wheel zooms";
+    wheel(120, Qt::ControlModifier);
+    EXPECT_EQ(view.zoom, 8.0);
+    const QPointF before = view.offset;
+    wheel(-120, Qt::NoModifier);
+    EXPECT_EQ(view.offset - before, QPointF(0, -60)) << "the wheel scrolls the magnified board";
 }
 
 TEST_F(WhiteboardWidgets, TheCanvasFillsItsPaneAndKeepsItsDrawing) {
