@@ -6,6 +6,7 @@
 #include "whiteboard/ui/CanvasView.h"
 #include "whiteboard/ui/DrawPanel.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QImage>
@@ -68,6 +69,27 @@ void Whiteboard::attachCanvas(QWidget* parentPic) {
                 [this](int step) { step > 0 ? nextPage() : previousPage(); });
     }
     m_editor->setViewport(parentPic->size());
+    parentPic->installEventFilter(this);
+}
+
+bool Whiteboard::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Show && m_picPaint && watched == m_picPaint->parentWidget()) {
+        // After the pane has shown its children. Someone typing elsewhere
+        // (notes, a field, the web page) keeps the keys.
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                const QWidget* typing = QApplication::focusWidget();
+                while (typing && !typing->inherits("QLineEdit") && !typing->inherits("QTextEdit") &&
+                       !typing->inherits("QPlainTextEdit") && !typing->inherits("QAbstractSpinBox") &&
+                       !typing->inherits("QWebEngineView"))
+                    typing = typing->parentWidget();
+                if (m_picPaint && m_picPaint->isVisible() && !typing)
+                    m_picPaint->setFocus(Qt::OtherFocusReason);
+            },
+            Qt::QueuedConnection);
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 QWidget* Whiteboard::createDrawPanel() {

@@ -80,6 +80,11 @@ Q_SIGNALS:
     // Tool, colours, view or page changed: the Draw bar follows.
     void stateChanged();
 
+protected:
+    // The whiteboard pane coming into view hands the keys to the canvas, so
+    // tool keys work at once after "draw".
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void onCanvasChanged(const QRect& area);
     void onStateChanged();

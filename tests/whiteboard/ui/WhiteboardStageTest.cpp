@@ -116,6 +116,7 @@ protected:
 TEST_F(WhiteboardStage, TheCanvasFillsItsPaneInEveryModeAndRotationAndKeepsItsDrawing) {
     QWidget* parentPic = window->context().stage->parentPic();
     ASSERT_EQ(canvas->parentWidget(), parentPic);
+    EXPECT_EQ(window->focusWidget(), canvas) << "after \"draw\" the tool keys reach the canvas";
     QTest::keyClick(canvas, Qt::Key_P);
     press({20, 20});
     moveHeld({120, 20});
