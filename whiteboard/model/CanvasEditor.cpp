@@ -501,10 +501,28 @@ void CanvasEditor::SetImageBuffer() {
 
 bool CanvasEditor::undo() {
     commitSelection();
+    // An open polygon or curve is no step yet: undo takes just it away.
+    if (dropPending())
+        return showStep(m_history.picture(m_history.HistoryCurrent));
     return showStep(m_history.undo());
 }
 
-bool CanvasEditor::redo() { return showStep(m_history.redo()); }
+bool CanvasEditor::redo() {
+    dropPending();
+    return showStep(m_history.redo());
+}
+
+bool CanvasEditor::dropPending() {
+    if (!m_state.PolygonOpen && !m_bezier.shown)
+        return false;
+    m_state.PolygonOpen = false;
+    m_state.PolygonPoints.clear();
+    m_bezier.shown = false;
+    m_bezier.grabbed = -1;
+    m_surface.DrawMode = PenCopy;
+    m_surface.setImage(m_history.picture(m_history.HistoryCurrent));
+    return true;
+}
 
 bool CanvasEditor::showStep(const std::optional<QImage>& image) {
     if (!image)

@@ -156,6 +156,9 @@ private:
     void selectionRelease(QPoint p, int shift);
     void clampOffset();
     bool showStep(const std::optional<QImage>& image);
+    // Forgets an open polygon or curve and its XOR preview; false when
+    // there was none.
+    bool dropPending();
     void emitChanged();
     void emitState();
 

@@ -351,6 +351,18 @@ TEST(CanvasTools, PolygonClosesOnEnterAndSwatchesColourOnlyWhatTheyShould) {
     EXPECT_EQ(px(e, 90, 50), kBlue) << "filled in the fill colour";
     EXPECT_EQ(px(e, 20, 80), kWhite);
     EXPECT_EQ(e.history().HistoryWrite - before, 1);
+
+    // Undo with a new polygon open drops just that polygon, preview and all.
+    const QImage closed = e.surface().image().copy();
+    for (QPoint p : {QPoint(20, 110), QPoint(110, 110)}) {
+        e.MouseDown(ButtonLeft, 0, p);
+        e.MouseUp(ButtonLeft, 0, p);
+    }
+    EXPECT_TRUE(e.undo());
+    EXPECT_FALSE(e.state().PolygonOpen);
+    EXPECT_EQ(e.surface().image(), closed);
+    EXPECT_TRUE(e.undo());
+    EXPECT_EQ(px(e, 50, 10), kWhite) << "the next undo takes the closed polygon away";
 }
 
 TEST(Selection, DragLeavesTheSourceCommitStampsAndTheFrameVanishesWhenDrawnTwice) {
