@@ -47,9 +47,10 @@ protected:
 
     // Mouse events as the window system delivers them to the canvas.
     void send(QEvent::Type type, QPoint at, Qt::MouseButton button, Qt::MouseButtons held,
-              Qt::KeyboardModifiers mods = Qt::NoModifier) {
-        QMouseEvent event(type, QPointF(at), canvas->mapToGlobal(QPointF(at)), button, held, mods);
-        QApplication::sendEvent(canvas, &event);
+              Qt::KeyboardModifiers mods = Qt::NoModifier, QWidget* target = nullptr) {
+        target = target ? target : canvas;
+        QMouseEvent event(type, QPointF(at), target->mapToGlobal(QPointF(at)), button, held, mods);
+        QApplication::sendEvent(target, &event);
     }
     void dragOnCanvas(std::initializer_list<QPoint> path, Qt::KeyboardModifiers mods = Qt::NoModifier) {
         auto p = path.begin();
@@ -197,7 +198,9 @@ TEST_F(WhiteboardWidgets, TextBoxMovesDiscardsAndPrints) {
     EXPECT_EQ(box->pos(), QPoint(60, 120));
     EXPECT_EQ(image(), blank) << "moving the box prints nothing";
     const int steps = board->editor().history().HistoryWrite;
+    const int emptyWidth = box->width();
     QTest::keyClicks(box, QStringLiteral("Hey"));
+    EXPECT_GT(box->width(), emptyWidth) << "the box grows with the text";
     QTest::keyClick(box, Qt::Key_Return);
     EXPECT_FALSE(box->isVisible());
     EXPECT_EQ(board->editor().history().HistoryWrite - steps, 1);
@@ -342,6 +345,14 @@ TEST_F(WhiteboardWidgets, TheCanvasFillsItsPaneAndKeepsItsDrawing) {
     EXPECT_NE(image().pixel(50, 10), kWhite);
     board->undo();
     EXPECT_EQ(image().size(), full);
+
+    // `picProg` carries the canvas's handlers: a stroke on it lands on the board.
+    const QImage before = image();
+    send(QEvent::MouseButtonPress, {20, 300}, Qt::LeftButton, Qt::LeftButton, {}, board->picProg());
+    send(QEvent::MouseMove, {90, 300}, Qt::NoButton, Qt::LeftButton, {}, board->picProg());
+    send(QEvent::MouseButtonRelease, {90, 300}, Qt::LeftButton, Qt::NoButton, {}, board->picProg());
+    EXPECT_EQ(before.pixel(50, 300), kWhite);
+    EXPECT_NE(image().pixel(50, 300), kWhite);
 }
 
 } // namespace
