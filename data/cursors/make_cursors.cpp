@@ -6,8 +6,10 @@
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPolygonF>
 #include <cstdio>
 #include <functional>
+#include <initializer_list>
 
 namespace {
 
@@ -82,6 +84,14 @@ void outlined(QPainter& p, const QPainterPath& path, QColor fill = Qt::white) {
     p.drawPath(path);
 }
 
+// The outline through `points`, closed back to the first.
+QPainterPath closedPath(std::initializer_list<QPointF> points) {
+    QPainterPath path;
+    path.addPolygon(QPolygonF(points));
+    path.closeSubpath();
+    return path;
+}
+
 QPainterPath hand(bool grabbing) {
     QPainterPath path;
     if (grabbing) {
@@ -101,13 +111,7 @@ const CursorDesign kDesigns[] = {
     {"pick.cur",
      {2, 29},
      [](QPainter& p) {
-         QPainterPath tube;
-         tube.moveTo(2, 29);
-         tube.lineTo(5, 22);
-         tube.lineTo(17, 10);
-         tube.lineTo(21, 14);
-         tube.lineTo(9, 26);
-         tube.closeSubpath();
+         const QPainterPath tube = closedPath({{2, 29}, {5, 22}, {17, 10}, {21, 14}, {9, 26}});
          outlined(p, tube);
          QPainterPath bulb;
          bulb.addEllipse(QPointF(22, 9), 5.5, 5.5);
@@ -116,14 +120,7 @@ const CursorDesign kDesigns[] = {
     {"eraser.cur",
      {3, 28},
      [](QPainter& p) {
-         QPainterPath block;
-         block.moveTo(3, 28);
-         block.lineTo(3, 18);
-         block.lineTo(17, 4);
-         block.lineTo(28, 4);
-         block.lineTo(28, 14);
-         block.lineTo(14, 28);
-         block.closeSubpath();
+         const QPainterPath block = closedPath({{3, 28}, {3, 18}, {17, 4}, {28, 4}, {28, 14}, {14, 28}});
          outlined(p, block, QColor(250, 180, 190));
          p.drawLine(QPointF(3, 18), QPointF(14, 18));
          p.drawLine(QPointF(14, 18), QPointF(28, 4));
@@ -132,12 +129,7 @@ const CursorDesign kDesigns[] = {
     {"fill.cur",
      {4, 27},
      [](QPainter& p) {
-         QPainterPath bucket;
-         bucket.moveTo(10, 10);
-         bucket.lineTo(22, 4);
-         bucket.lineTo(29, 17);
-         bucket.lineTo(17, 23);
-         bucket.closeSubpath();
+         const QPainterPath bucket = closedPath({{10, 10}, {22, 4}, {29, 17}, {17, 23}});
          outlined(p, bucket);
          QPainterPath drop;
          drop.moveTo(10, 10);
@@ -148,13 +140,7 @@ const CursorDesign kDesigns[] = {
     {"draw.cur",
      {2, 29},
      [](QPainter& p) {
-         QPainterPath pencil;
-         pencil.moveTo(2, 29);
-         pencil.lineTo(4, 22);
-         pencil.lineTo(22, 4);
-         pencil.lineTo(27, 9);
-         pencil.lineTo(9, 27);
-         pencil.closeSubpath();
+         const QPainterPath pencil = closedPath({{2, 29}, {4, 22}, {22, 4}, {27, 9}, {9, 27}});
          outlined(p, pencil, QColor(250, 210, 90));
          p.drawLine(QPointF(4, 22), QPointF(9, 27));
      }},
@@ -199,12 +185,7 @@ const CursorDesign kDesigns[] = {
     {"filter.cur",
      {4, 4},
      [](QPainter& p) {
-         QPainterPath wand;
-         wand.moveTo(8, 6);
-         wand.lineTo(28, 26);
-         wand.lineTo(26, 28);
-         wand.lineTo(6, 8);
-         wand.closeSubpath();
+         const QPainterPath wand = closedPath({{8, 6}, {28, 26}, {26, 28}, {6, 8}});
          outlined(p, wand, Qt::black);
          p.setPen(QPen(QColor(230, 160, 0), 2, Qt::SolidLine, Qt::RoundCap));
          p.drawLine(QPointF(4, 0.5), QPointF(4, 7.5));
@@ -214,12 +195,7 @@ const CursorDesign kDesigns[] = {
     {"zoom.cur",
      {12, 12},
      [](QPainter& p) {
-         QPainterPath handle;
-         handle.moveTo(19, 17);
-         handle.lineTo(29, 27);
-         handle.lineTo(27, 29);
-         handle.lineTo(17, 19);
-         handle.closeSubpath();
+         const QPainterPath handle = closedPath({{19, 17}, {29, 27}, {27, 29}, {17, 19}});
          outlined(p, handle, Qt::black);
          QPainterPath lens;
          lens.addEllipse(QPointF(12, 12), 9, 9);
@@ -230,12 +206,7 @@ const CursorDesign kDesigns[] = {
     {"brush.cur",
      {3, 28},
      [](QPainter& p) {
-         QPainterPath handle;
-         handle.moveTo(12, 17);
-         handle.lineTo(27, 2);
-         handle.lineTo(30, 5);
-         handle.lineTo(15, 20);
-         handle.closeSubpath();
+         const QPainterPath handle = closedPath({{12, 17}, {27, 2}, {30, 5}, {15, 20}});
          outlined(p, handle, QColor(170, 110, 50));
          QPainterPath tip;
          tip.moveTo(11, 16);
