@@ -84,6 +84,8 @@ public:
     // Drops a floating selection without stamping it (Escape): the board
     // stays as it was before the selection was made or pasted.
     void discardSelection();
+    // Moves a floating selection by `delta` with its frame (the arrow keys).
+    void moveSelection(QPoint delta);
     // Puts `image` on the canvas as a floating selection at `topLeft`.
     void pasteImage(const QImage& image, QPoint topLeft);
     // Prints canvas text at `topLeft` in the fore colour; one history step.

@@ -46,6 +46,15 @@ void CanvasEditor::discardSelection() {
     emitChanged();
 }
 
+void CanvasEditor::moveSelection(QPoint delta) {
+    if (!m_selection.visible || m_selection.dragging)
+        return;
+    DrawSelectionRect();
+    m_selection.pos += delta;
+    DrawSelectionRect();
+    emitChanged();
+}
+
 void CanvasEditor::selectionDown(QPoint p) {
     // The frame is taken away while the picture moves; the canvas widget
     // outlines the moving picture itself.

@@ -245,10 +245,8 @@ void CanvasView::keyPressEvent(QKeyEvent* event) {
         Q_EMIT pageRequested(event->key() == Qt::Key_PageDown ? 1 : -1);
         return;
     }
-    if (event->key() == Qt::Key_Escape && m_editor.selection().visible && !m_editor.selection().dragging) {
-        m_editor.discardSelection();
+    if (floatingSelectionKey(*event))
         return;
-    }
     if ((mods == Qt::NoModifier || mods == Qt::ShiftModifier) && !event->text().isEmpty() &&
         !m_editor.state().IsDrawing) {
         const int tool = toolForKey(event->text().at(0));
@@ -258,6 +256,35 @@ void CanvasView::keyPressEvent(QKeyEvent* event) {
         }
     }
     QWidget::keyPressEvent(event);
+}
+
+bool CanvasView::floatingSelectionKey(const QKeyEvent& event) {
+    const FloatingSelection& sel = m_editor.selection();
+    if (!sel.visible || sel.dragging)
+        return false;
+    // Escape or Delete drop the floating picture; the arrows nudge it, by
+    // ten pixels with Shift.
+    const int step = event.modifiers() & Qt::ShiftModifier ? 10 : 1;
+    switch (event.key()) {
+    case Qt::Key_Escape:
+    case Qt::Key_Delete:
+        m_editor.discardSelection();
+        return true;
+    case Qt::Key_Left:
+        m_editor.moveSelection(QPoint(-step, 0));
+        return true;
+    case Qt::Key_Right:
+        m_editor.moveSelection(QPoint(step, 0));
+        return true;
+    case Qt::Key_Up:
+        m_editor.moveSelection(QPoint(0, -step));
+        return true;
+    case Qt::Key_Down:
+        m_editor.moveSelection(QPoint(0, step));
+        return true;
+    default:
+        return false;
+    }
 }
 
 void CanvasView::keyReleaseEvent(QKeyEvent* event) {

@@ -55,6 +55,8 @@ private:
     void AdjustPaintResizeBox();
     Handle handleAt(QPointF panePoint) const;
     void showHandleCursor(Handle handle);
+    // Keys for a floating selection; true when the key was one of them.
+    bool floatingSelectionKey(const QKeyEvent& event);
 
     static int buttonOf(Qt::MouseButton button);
     static int buttonsHeld(Qt::MouseButtons buttons);

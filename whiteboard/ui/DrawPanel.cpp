@@ -260,7 +260,12 @@ void DrawPanel::refresh() {
     }
     m_filter->setEnabled(!filters.empty());
     m_applyFilter->setEnabled(!filters.empty());
-    m_pageLabel->setText(tr("Board %1 of %2").arg(m_board.currentPage() + 1).arg(m_board.pageCount()));
+    QString page = tr("Board %1 of %2").arg(m_board.currentPage() + 1).arg(m_board.pageCount());
+    // A magnified board says so: Shift+click with the zoom tool goes back.
+    const double zoom = m_board.editor().view().zoom;
+    if (zoom != 1.0)
+        page += tr(", %1x").arg(zoom);
+    m_pageLabel->setText(page);
     m_previousPage->setEnabled(m_board.currentPage() > 0);
 }
 

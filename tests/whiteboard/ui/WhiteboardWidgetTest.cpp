@@ -14,6 +14,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QTemporaryDir>
@@ -233,13 +234,17 @@ TEST_F(WhiteboardWidgets, UndoRedoClearPasteSaveAndPages) {
     QGuiApplication::clipboard()->setImage(red);
     QTest::keyClick(canvas, Qt::Key_V, Qt::ControlModifier);
     ASSERT_TRUE(board->editor().selection().visible);
-    dragOnCanvas({{5, 5}, {205, 105}}); // drag the pasted picture
+    dragOnCanvas({{5, 5}, {195, 115}}); // drag the pasted picture
+    QTest::keyClick(canvas, Qt::Key_Right, Qt::ShiftModifier);
+    QTest::keyClick(canvas, Qt::Key_Up, Qt::ShiftModifier);
+    EXPECT_EQ(board->editor().selection().pos, QPoint(200, 100)) << "dragged, then nudged by the arrows";
     board->chooseTool(ToolPencil);
     EXPECT_EQ(image().pixel(210, 110), qRgb(255, 0, 0));
     EXPECT_EQ(image().pixel(50, 10), drawn.pixel(50, 10));
     const QImage pasted = image();
     QTest::mouseClick(panel->findChild<QToolButton*>(QStringLiteral("cmdPaste")), Qt::LeftButton);
     ASSERT_TRUE(board->editor().selection().visible);
+    QTest::keyClick(canvas, Qt::Key_Right);
     QTest::keyClick(canvas, Qt::Key_Escape);
     EXPECT_FALSE(board->editor().selection().visible);
     EXPECT_EQ(image(), pasted) << "Escape drops a pasted picture, frame and all";
@@ -278,6 +283,8 @@ TEST_F(WhiteboardWidgets, ZoomClicksDrawUnderThePointerAndTheHandPansWithAGrabbi
     }
     dragOnCanvas({{100, 100}}, Qt::ShiftModifier);
     EXPECT_EQ(view.zoom, 4.0) << "Shift+click zooms out";
+    EXPECT_EQ(panel->findChild<QLabel*>(QStringLiteral("lblPage"))->text(),
+              QStringLiteral("Board 1 of 1, 4x"));
     dragOnCanvas({{100, 100}});
     EXPECT_EQ(board->editor().toCanvas(QPointF(100, 100)), QPointF(100, 100)) << "the clicked point stays";
 
