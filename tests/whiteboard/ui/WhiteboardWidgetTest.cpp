@@ -22,6 +22,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <QWheelEvent>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -213,6 +214,24 @@ TEST_F(WhiteboardWidgets, TextBoxMovesDiscardsAndPrints) {
     EXPECT_GE(inked.left(), 60);
     EXPECT_GE(inked.top(), 120);
     EXPECT_LT(inked.left(), 66) << "printed at the box's top-left";
+
+    // A double-click on the box prints, and so does the focus going to
+    // another control of the window.
+    const std::function<void()> commits[] = {
+        [box] { QTest::mouseDClick(box, Qt::LeftButton); },
+        [this] { canvas->setFocus(Qt::MouseFocusReason); },
+    };
+    pane->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(pane.get()));
+    for (const auto& commit : commits) {
+        dragOnCanvas({{300, 300}});
+        box->setFocus(Qt::MouseFocusReason);
+        QTest::keyClicks(box, QStringLiteral("Yo"));
+        const int before = board->editor().history().HistoryWrite;
+        commit();
+        EXPECT_FALSE(box->isVisible());
+        EXPECT_EQ(board->editor().history().HistoryWrite - before, 1);
+    }
 }
 
 TEST_F(WhiteboardWidgets, UndoRedoClearPasteSaveAndPages) {
