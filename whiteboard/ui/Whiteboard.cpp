@@ -155,14 +155,20 @@ void Whiteboard::redo() {
 
 void Whiteboard::paste() {
     const QClipboard* clipboard = QGuiApplication::clipboard();
-    const QImage image = clipboard ? clipboard->image() : QImage();
+    QImage image = clipboard ? clipboard->image() : QImage();
     if (image.isNull()) {
         m_prompts.show(tr("The clipboard holds no picture to paste."), QStringLiteral("Mirabend 1.0"),
                        PromptIcon::Information);
         return;
     }
-    // The picture lands at the top left of what the pane shows.
+    // The picture lands at the top left of what the pane shows; one larger
+    // than that (a screenshot) is made to fit, keeping its proportions.
     const QPointF corner = m_editor->toCanvas(QPointF(0, 0));
+    const QSize shown = (QSizeF(m_editor->view().viewport) / m_editor->view().zoom)
+                            .toSize()
+                            .boundedTo(m_editor->surface().image().size());
+    if (!shown.isEmpty() && (image.width() > shown.width() || image.height() > shown.height()))
+        image = image.scaled(shown, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     if (m_textBox)
         m_textBox->commit();
     m_editor->pasteImage(image, QPoint(qRound(corner.x()), qRound(corner.y())));

@@ -267,6 +267,13 @@ TEST_F(WhiteboardWidgets, UndoRedoClearPasteSaveAndPages) {
     QTest::keyClick(canvas, Qt::Key_Escape);
     EXPECT_FALSE(board->editor().selection().visible);
     EXPECT_EQ(image(), pasted) << "Escape drops a pasted picture, frame and all";
+    QImage wide(2000, 1000, QImage::Format_RGB32);
+    wide.fill(Qt::blue);
+    QGuiApplication::clipboard()->setImage(wide);
+    board->paste();
+    EXPECT_EQ(board->editor().selection().image.size(), QSize(580, 290)) << "a large picture is fitted";
+    QTest::keyClick(canvas, Qt::Key_Delete);
+    EXPECT_EQ(image(), pasted);
     board->chooseTool(ToolPencil);
 
     QTemporaryDir dir;
