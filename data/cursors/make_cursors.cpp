@@ -92,6 +92,17 @@ QPainterPath closedPath(std::initializer_list<QPointF> points) {
     return path;
 }
 
+// A magnifying glass with a plus (zoom in) or a minus (zoom out).
+void magnifier(QPainter& p, bool plus) {
+    outlined(p, closedPath({{19, 17}, {29, 27}, {27, 29}, {17, 19}}), Qt::black);
+    QPainterPath lens;
+    lens.addEllipse(QPointF(12, 12), 9, 9);
+    outlined(p, lens, QColor(220, 235, 255, 200));
+    p.drawLine(QPointF(8, 12), QPointF(16, 12));
+    if (plus)
+        p.drawLine(QPointF(12, 8), QPointF(12, 16));
+}
+
 QPainterPath hand(bool grabbing) {
     QPainterPath path;
     if (grabbing) {
@@ -195,13 +206,13 @@ const CursorDesign kDesigns[] = {
     {"zoom.cur",
      {12, 12},
      [](QPainter& p) {
-         const QPainterPath handle = closedPath({{19, 17}, {29, 27}, {27, 29}, {17, 19}});
-         outlined(p, handle, Qt::black);
-         QPainterPath lens;
-         lens.addEllipse(QPointF(12, 12), 9, 9);
-         outlined(p, lens, QColor(220, 235, 255, 200));
-         p.drawLine(QPointF(8, 12), QPointF(16, 12));
-         p.drawLine(QPointF(12, 8), QPointF(12, 16));
+         magnifier(p, true);
+     }},
+    // The zoom tool while Shift is held (Shift+click zooms out).
+    {"zoomout.cur",
+     {12, 12},
+     [](QPainter& p) {
+         magnifier(p, false);
      }},
     {"brush.cur",
      {3, 28},

@@ -30,6 +30,8 @@ int toolForKey(QChar key);
 
 // The cursor the hand tool shows while it drags.
 inline const char* const kGrabCursorFile = "\\handgrab.cur";
+// The zoom tool's cursor while Shift is held: a click then zooms out.
+inline const char* const kZoomOutCursorFile = "\\zoomout.cur";
 
 // The palette's swatches, in order: two rows of fourteen.
 constexpr int kPaletteSize = 28;

@@ -45,11 +45,21 @@ int CanvasView::buttonsHeld(Qt::MouseButtons buttons) {
 void CanvasView::refreshCursor() {
     if (m_hovered != NoHandle || m_resizing != NoHandle)
         return;
-    const QString file = m_editor.cursorFile();
+    QString file = m_editor.cursorFile();
+    if (m_zoomOut && m_editor.state().CurrentTool == ToolZoom)
+        file = QString::fromLatin1(kZoomOutCursorFile);
     if (file == m_cursorFile)
         return;
     m_cursorFile = file;
     setCursor(m_cursors.cursor(file));
+}
+
+void CanvasView::followShift(Qt::KeyboardModifiers modifiers) {
+    const bool out = m_editor.state().CurrentTool == ToolZoom && (modifiers & Qt::ShiftModifier);
+    if (out == m_zoomOut)
+        return;
+    m_zoomOut = out;
+    refreshCursor();
 }
 
 void CanvasView::repaintCanvas(const QRect& canvasRect) {
@@ -197,6 +207,7 @@ void CanvasView::mouseMoveEvent(QMouseEvent* event) {
         update();
         return;
     }
+    followShift(event->modifiers());
     if (!(event->buttons() & (Qt::LeftButton | Qt::RightButton))) {
         AdjustPaintResizeBox();
         showHandleCursor(handleAt(event->position()));
@@ -228,6 +239,7 @@ void CanvasView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void CanvasView::keyPressEvent(QKeyEvent* event) {
+    followShift(event->modifiers() | (event->key() == Qt::Key_Shift ? Qt::ShiftModifier : Qt::NoModifier));
     const Qt::KeyboardModifiers mods = event->modifiers() & ~Qt::KeypadModifier;
     if (event->matches(QKeySequence::Undo)) {
         Q_EMIT undoRequested();
@@ -288,6 +300,7 @@ bool CanvasView::floatingSelectionKey(const QKeyEvent& event) {
 }
 
 void CanvasView::keyReleaseEvent(QKeyEvent* event) {
+    followShift(event->key() == Qt::Key_Shift ? event->modifiers() & ~Qt::ShiftModifier : event->modifiers());
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         m_editor.KeyUp(13, shiftState(event->modifiers()));
     else

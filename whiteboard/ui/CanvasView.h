@@ -55,6 +55,8 @@ private:
     void AdjustPaintResizeBox();
     Handle handleAt(QPointF panePoint) const;
     void showHandleCursor(Handle handle);
+    // The zoom tool shows a zoom-out glass while Shift is held.
+    void followShift(Qt::KeyboardModifiers modifiers);
     // Keys for a floating selection; true when the key was one of them.
     bool floatingSelectionKey(const QKeyEvent& event);
 
@@ -67,6 +69,7 @@ private:
     QRect m_handles[3];
     Handle m_resizing = NoHandle;
     Handle m_hovered = NoHandle;
+    bool m_zoomOut = false;
     QSize m_resizeTo;
 };
 

@@ -307,8 +307,13 @@ TEST_F(WhiteboardWidgets, ZoomClicksDrawUnderThePointerAndTheHandPansWithAGrabbi
         dragOnCanvas({{100, 100}});
         EXPECT_EQ(view.zoom, zoom) << "two-fold per click, at most eight-fold";
     }
+    const QImage zoomIn = canvas->cursor().pixmap().toImage();
+    QTest::keyPress(canvas, Qt::Key_Shift);
+    EXPECT_NE(canvas->cursor().pixmap().toImage(), zoomIn) << "Shift shows the zoom-out glass";
     dragOnCanvas({{100, 100}}, Qt::ShiftModifier);
     EXPECT_EQ(view.zoom, 4.0) << "Shift+click zooms out";
+    QTest::keyRelease(canvas, Qt::Key_Shift);
+    EXPECT_EQ(canvas->cursor().pixmap().toImage(), zoomIn);
     EXPECT_EQ(panel->findChild<QLabel*>(QStringLiteral("lblPage"))->text(),
               QStringLiteral("Board 1 of 1, 4x"));
     dragOnCanvas({{100, 100}});
