@@ -10,6 +10,7 @@
 #include "shell/wiring/CameraWiring.h"
 #include "shell/wiring/RecordingWiring.h"
 #include "shell/wiring/WebAboutWiring.h"
+#include "shell/wiring/WhiteboardWiring.h"
 #include "util/CommandLineTool.h"
 
 namespace mirabend {
@@ -30,6 +31,7 @@ ShellServices makeShellServices(Prompts& prompts)
     addWebAboutAndResolution(services, prompts);
     services.attachPanes.push_back([&prompts](Mirabend_frm& window) { attachNotes(window, prompts); });
     installCamera(services, prompts);
+    services.attachPanes.push_back([&prompts](Mirabend_frm& window) { WhiteboardWiring::attach(window, prompts); });
     return services;
 }
 
