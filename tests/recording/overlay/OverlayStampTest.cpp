@@ -59,6 +59,9 @@ TEST_F(OverlayStamp, ImageLandsAtItsPositionWithTheTransparentColourLeftOut) {
     const QImage frame = paintedWith(s, kBlue);
     EXPECT_EQ(inkOf(frame, kBlue).box, QRect(5, 5, 10, 10));
     EXPECT_EQ(frame.pixel(9, 9), qRgb(0, 0, 0));
+    // Half outside the frame, the stamp is clipped.
+    const QImage clipped = paintedWith(imageSettings(redWithBlackHole("stamp.png"), -20, 185), kBlue);
+    EXPECT_EQ(inkOf(clipped, kBlue).box, QRect(0, 185, 20, 15));
 }
 
 TEST_F(OverlayStamp, TransparencyBlendsWithTheFrame) {
@@ -107,11 +110,6 @@ TEST_F(OverlayStamp, MissingOrCorruptImageIsReportedAndPaintsNothing) {
     frame = paintedWith(both, kBlue, &report);
     EXPECT_TRUE(hasFailure(report, OverlayError::ImageFileMissing));
     EXPECT_GT(inkOf(frame, kBlue).count, 20);
-}
-
-TEST_F(OverlayStamp, StampHalfOutsideTheFrameIsClipped) {
-    const QImage frame = paintedWith(imageSettings(redWithBlackHole("stamp.png"), -20, 185), kBlue);
-    EXPECT_EQ(inkOf(frame, kBlue).box, QRect(0, 185, 20, 15));
 }
 
 TEST_F(OverlayStamp, TextureBrushTilesTheImageFromTheFrameOrigin) {
