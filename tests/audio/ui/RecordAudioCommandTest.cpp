@@ -22,14 +22,7 @@ struct ToolRun {
 
 ToolRun runTool(const std::string& args) {
     ToolRun run;
-    FILE* pipe = popen((std::string(AUDIO_TOOL) + " " + args + " 2>&1").c_str(), "r");
-    if (!pipe)
-        return run;
-    char buffer[512];
-    while (fgets(buffer, sizeof buffer, pipe))
-        run.output += buffer;
-    const int status = pclose(pipe);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.output = test::runShell(std::string(AUDIO_TOOL) + " " + args + " 2>&1", &run.exitCode);
     return run;
 }
 

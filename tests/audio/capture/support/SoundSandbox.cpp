@@ -128,20 +128,10 @@ void SoundSandbox::killPulse() {
 }
 
 std::string SoundSandbox::pactl(const std::string& args, bool* ok) const {
-    const std::string command = "pactl " + args + " 2>&1";
-    std::string out;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) {
-        if (ok)
-            *ok = false;
-        return out;
-    }
-    char buffer[512];
-    while (fgets(buffer, sizeof buffer, pipe))
-        out += buffer;
-    const int status = pclose(pipe);
+    int code = -1;
+    std::string out = runShell("pactl " + args + " 2>&1", &code);
     if (ok)
-        *ok = status == 0;
+        *ok = code == 0;
     return out;
 }
 
