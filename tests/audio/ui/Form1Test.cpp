@@ -125,10 +125,8 @@ TEST_F(Form1Test, DeviceChoiceShowsTheMixersSourceAndVolume) {
     form->sldVol->setValue(32768);
     EXPECT_EQ(form->lblVolPer->text(), "50%");
     EXPECT_EQ(sandbox.saved("server", "Capture Volume"), "32768 32768");
-}
 
-TEST_F(Form1Test, RefusedDeviceIsReportedAndLeavesNoSources) {
-    auto form = open();
+    // A refused device is reported and leaves no sources.
     prompts.messages.clear();
     choose(*form, "Test card without mixer");
     ASSERT_EQ(prompts.messages.size(), 1);
@@ -176,15 +174,10 @@ TEST_F(Form1Test, DoButtonMessagesWhenRecordingCannotStart) {
 
 TEST_F(Form1Test, EffectBoxesAndFormatChoicesReachTheEffects) {
     auto form = open();
-    form->chkFX[2]->click();
-    EXPECT_EQ(form->dsp().EffectsUsed(), 4);
-    form->chkFX[0]->click();
-    EXPECT_EQ(form->dsp().EffectsUsed(), 5);
-    form->chkFX[2]->click();
-    EXPECT_EQ(form->dsp().EffectsUsed(), 1);
-    form->chkFX[3]->click();
-    EXPECT_EQ(form->dsp().EffectsUsed(), 9);
-
+    for (const auto& [box, effects] : {std::pair{2, 4}, {0, 5}, {2, 1}, {3, 9}}) {
+        form->chkFX[box]->click();
+        EXPECT_EQ(form->dsp().EffectsUsed(), effects) << "after box " << box;
+    }
     form->cboSamplerate->setCurrentText("22050");
     Q_EMIT form->cboSamplerate->textActivated("22050");
     EXPECT_EQ(form->dsp().samplerate(), 22050);
@@ -193,7 +186,7 @@ TEST_F(Form1Test, EffectBoxesAndFormatChoicesReachTheEffects) {
     EXPECT_EQ(form->txtWAVFmt->text(), "PCM - 44.1 kHz 16 Bit Stereo"); // the format button's action is empty
 }
 
-TEST_F(Form1Test, FormatChooserSetsTheOutputFormatOrKeepsItWhenCancelled) {
+TEST_F(Form1Test, FormatChooserAndBrowseSetTheOutputOrKeepItWhenCancelled) {
     auto form = open();
     form->cmdSelFmt->click();
     EXPECT_FALSE(chooser.offered.empty());
@@ -203,18 +196,14 @@ TEST_F(Form1Test, FormatChooserSetsTheOutputFormatOrKeepsItWhenCancelled) {
     form->cmdSelFmt->click();
     EXPECT_TRUE(form->txtWAVFmt->text().startsWith("IMA ADPCM - ")) << form->txtWAVFmt->text().toStdString();
     EXPECT_EQ(form->encoder().FormatTag(), "IMA ADPCM");
-}
 
-TEST_F(Form1Test, BrowseOffersWaveFilesAndTakesTheAnswer) {
-    auto form = open();
+    // Browsing offers wave files and takes the answer; cancelled, the name stays.
     prompts.answerFile("/tmp/elsewhere.wav");
     form->cmdBrowse->click();
-    ASSERT_EQ(prompts.saveRequests.size(), 1);
+    form->cmdBrowse->click();
+    ASSERT_EQ(prompts.saveRequests.size(), 2);
     EXPECT_EQ(prompts.saveRequests[0].filter, "Wave ACM Encoder (*.wav)|*.wav");
     EXPECT_EQ(prompts.saveRequests[0].defaultExtension, ".wav");
-    EXPECT_EQ(form->txtFile->text(), "/tmp/elsewhere.wav");
-
-    form->cmdBrowse->click(); // cancelled: the name stays
     EXPECT_EQ(form->txtFile->text(), "/tmp/elsewhere.wav");
 }
 
