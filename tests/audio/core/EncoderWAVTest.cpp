@@ -125,25 +125,14 @@ TEST(EncoderWAV, RefusedCallsAnswerTheirCodes) {
     EXPECT_FALSE(enc.isOpen());
 }
 
-TEST(EncoderWAV, FormatNamesFollowThePcmSettings) {
-    const struct {
-        int rate, channels;
-        const char *tag, *id;
-    } rows[] = {
-        {22050, 1, "", "22.1 16 Bit mono"}, {48000, 2, "", "48 16 Bit stereo"}, {8000, 1, "Mine", "custom"}};
+TEST(EncoderWAV, FormatImagesAreCopiedWhateverTheirSize) {
     EncoderWAV enc;
-    EXPECT_EQ(enc.FormatID(), "44.1 kHz 16 Bit Stereo");
-    EXPECT_EQ(enc.formatImage(), pcmFormatImage(44100, 2));
-    for (const auto& row : rows) {
-        enc.SetPCMFormat(row.rate, row.channels, row.tag, *row.tag ? row.id : "");
-        EXPECT_EQ(enc.FormatTag(), *row.tag ? row.tag : "PCM");
-        EXPECT_EQ(enc.FormatID(), row.id);
-        EXPECT_EQ(enc.formatImage(), pcmFormatImage(row.rate, row.channels));
-    }
-    // A null image changes nothing; a large one grows the buffer.
-    enc.SetFormat(nullptr, 18, "X", "Y");
+    enc.SetPCMFormat(8000, 1, "Mine", "custom");
+    EXPECT_EQ(enc.FormatID(), "custom");
+    EXPECT_EQ(enc.formatImage(), pcmFormatImage(8000, 1));
+    enc.SetFormat(nullptr, 18, "X", "Y"); // a null image changes nothing
     EXPECT_EQ(enc.FormatTag(), "Mine");
-    std::vector<std::uint8_t> large(200000, 7);
+    std::vector<std::uint8_t> large(200000, 7); // grows the buffer
     enc.SetFormat(large.data(), large.size(), "Large", "L");
     EXPECT_EQ(enc.formatImage(), large);
 }

@@ -1,8 +1,6 @@
 // The recorder's logic without devices: recording time across pauses, the
 // frame grid, audio placement, format planning with codec limits, profiles.
-#include "recording/engine/CompressorCatalog.h"
 #include "recording/engine/FormatPlanner.h"
-#include "recording/engine/NamedList.h"
 #include "recording/engine/Timeline.h"
 #include "recording/engine/WmvProfile.h"
 
@@ -261,19 +259,6 @@ TEST(WmvProfileTest, RoundTripAndBrokenFiles)
     broken.close();
     EXPECT_FALSE(WmvProfiles::readFile(broken.fileName(), &error));
     EXPECT_TRUE(error.contains(QStringLiteral("not usable")));
-}
-
-TEST(CompressorListTest, OffersTheDesignedNamesWithExactLookup)
-{
-    const CompressorList video(CompressorCatalog::videoNames());
-    const CompressorList audio(CompressorCatalog::audioNames());
-    EXPECT_EQ(video.FindByName(QStringLiteral("Microsoft Video 1")), 0);
-    EXPECT_GE(video.FindByName(QStringLiteral("Sorenson Spark")), 0);
-    EXPECT_EQ(video.FindByName(QStringLiteral("microsoft video 1")), -1);
-    EXPECT_EQ(audio.FindByName(QStringLiteral("PCM")), 0);
-    EXPECT_GE(audio.FindByName(QStringLiteral("MPEG Layer-3")), 0);
-    EXPECT_EQ(CompressorCatalog::supportedSampleRate("libmp3lame", 11025), 11025);
-    EXPECT_EQ(CompressorCatalog::limits("msvideo1").sizeMultiple, 4);
 }
 
 } // namespace
