@@ -13,26 +13,15 @@ namespace {
 class LifecycleTest : public ShellTest {};
 
 TEST_F(LifecycleTest, StartUpRunsInTheDesignedOrder) {
-    window.reset();
-    trace.calls.clear();
-    ShellServices services;
-    services.prompts = &prompts;
-    services.makeRecording = [this](Mirabend_frm& w) {
-        trace.add(QStringLiteral("recording.created"));
-        return std::make_unique<TraceRecording>(trace, w);
+    ShellOptions options;
+    options.audioDevices = QStringList{"mic"};
+    options.cameraDevices = QStringList{"cam A"};
+    options.cameraFormats = QStringList{"640x480 YUYV", "320x240"};
+    options.beforeLoad = [this](Mirabend_frm& w) {
+        w.resize(1000, 700);
+        EXPECT_TRUE(trace.calls.isEmpty()) << "nothing is created before the initialisation";
     };
-    services.makeCamera = [this](Mirabend_frm&) {
-        return std::make_unique<TraceCamera>(trace, QStringList{"cam A"},
-                                             QStringList{"640x480 YUYV", "320x240"});
-    };
-    services.makeAudio = [this](Mirabend_frm&) {
-        return std::make_unique<TraceAudio>(trace, QStringList{"mic"});
-    };
-    window = std::make_unique<Mirabend_frm>(services);
-    window->resize(1000, 700);
-    EXPECT_TRUE(trace.calls.isEmpty()) << "nothing is created before the initialisation";
-    window->Form_Initialize();
-    window->Form_Load();
+    build(options);
     EXPECT_EQ(trace.calls, (QStringList{"recording.created", "setDefaultArea 1000x700", "InitDevices",
                                         "PreviewCam1", "camera.deviceNames", "camera.formatNames"}));
     // The task pane exists before the saved rectangles are taken.
