@@ -20,20 +20,14 @@ struct SwitchRow {
 };
 
 TEST_F(CommandsTest, PaneSwitchTableForEveryModeAndPane) {
+    // clang-format off
     const SwitchRow rows[] = {
-        {"web", "uni", "w", "web"},
-        {"web", "mix", "cw", "web"},
-        {"web", "side", "cw", "web"},
-        {"draw", "uni", "d", "draw"},
-        {"draw", "mix", "cd", "draw"},
-        {"draw", "side", "cd", "draw"},
-        {"text", "uni", "t", "text"},
-        {"text", "mix", "ct", "text"},
-        {"text", "side", "ct", "text"},
-        {"slides", "uni", "s", "powerpoint"},
-        {"slides", "mix", "sc", "powerpoint"},
-        {"slides", "side", "sc", "powerpoint"},
+        {"web", "uni", "w", "web"},           {"web", "mix", "cw", "web"},           {"web", "side", "cw", "web"},
+        {"draw", "uni", "d", "draw"},         {"draw", "mix", "cd", "draw"},         {"draw", "side", "cd", "draw"},
+        {"text", "uni", "t", "text"},         {"text", "mix", "ct", "text"},         {"text", "side", "ct", "text"},
+        {"slides", "uni", "s", "powerpoint"}, {"slides", "mix", "sc", "powerpoint"}, {"slides", "side", "sc", "powerpoint"},
     };
+    // clang-format on
     for (const SwitchRow& row : rows) {
         SCOPED_TRACE(std::string(row.key) + " in " + row.mode);
         click(row.mode);

@@ -23,18 +23,16 @@ namespace {
 
 using test::readWav;
 
-class Form1RecordingTest : public ::testing::Test {
+class Form1RecordingTest : public test::RampTest {
 protected:
     void SetUp() override {
-        std::string error;
-        if (!sandbox.startPulse(&error))
-            GTEST_SKIP() << error;
-        ramp = std::make_unique<test::RampSource>(sandbox);
-        ASSERT_TRUE(ramp->ok()) << ramp->error();
-        file = sandbox.home() + "/take.wav";
+        RampTest::SetUp();
+        if (IsSkipped() || HasFatalFailure())
+            return;
+        take = file("take.wav");
         Form1Setup setup;
         setup.prompts = &prompts;
-        setup.audioFile = QString::fromStdString(file);
+        setup.audioFile = QString::fromStdString(take);
         form = std::make_unique<Form1>(setup);
         const int pulse = form->cboDev->findText("PulseAudio Sound Server");
         ASSERT_GE(pulse, 0);
@@ -54,11 +52,9 @@ protected:
 
     bool waitFor(const std::function<bool()>& done, int ms = 8000) { return QTest::qWaitFor(done, ms); }
 
-    test::SoundSandbox sandbox;
-    std::unique_ptr<test::RampSource> ramp;
     test::ScriptedPrompts prompts;
     std::unique_ptr<Form1> form;
-    std::string file;
+    std::string take;
     std::int64_t handed = 0;
     bool offThread = false; // a buffer was handed over outside the UI thread
 };
@@ -84,7 +80,7 @@ TEST_F(Form1RecordingTest, StoppedRecordingOfNBytesIsAFileOfNPlus46) {
     EXPECT_TRUE(prompts.messages.isEmpty());
     EXPECT_FALSE(offThread);
 
-    const test::WavFile wav = readWav(file);
+    const test::WavFile wav = readWav(take);
     ASSERT_EQ(static_cast<std::int64_t>(wav.bytes.size()), handed + 46);
     EXPECT_TRUE(wav.consistent());
     EXPECT_EQ(wav.u32(4), handed + 38);
@@ -114,7 +110,7 @@ TEST_F(Form1RecordingTest, FullDiskStopsOnceAndLeavesAValidFile) {
     EXPECT_EQ(prompts.messages[0].icon, PromptIcon::Exclamation);
     EXPECT_EQ(form->cmdDo->text(), "Start Test");
     EXPECT_FALSE(form->clsRecorder().recorder().IsRecording());
-    const test::WavFile wav = readWav(file);
+    const test::WavFile wav = readWav(take);
     EXPECT_TRUE(wav.consistent());
     EXPECT_LE(wav.bytes.size(), 300000u);
     EXPECT_EQ(wav.dataSize() % 4, 0u) << "whole stereo frames only";
@@ -127,7 +123,7 @@ TEST_F(Form1RecordingTest, ClosingWhileRecordingStopsFirst) {
     ASSERT_TRUE(waitFor([&] { return handed > 40000; }));
     form->close();
     EXPECT_FALSE(form->clsRecorder().recorder().IsRecording());
-    const test::WavFile wav = readWav(file);
+    const test::WavFile wav = readWav(take);
     EXPECT_TRUE(wav.consistent());
     EXPECT_EQ(wav.dataSize(), handed);
 }
@@ -140,7 +136,7 @@ TEST_F(Form1RecordingTest, VanishedServerStopsTheRecordingWithAMessage) {
     EXPECT_TRUE(prompts.messages[0].text.contains("no longer available"))
         << prompts.messages[0].text.toStdString();
     EXPECT_EQ(form->cmdDo->text(), "Start Test");
-    const test::WavFile wav = readWav(file);
+    const test::WavFile wav = readWav(take);
     EXPECT_TRUE(wav.consistent());
     EXPECT_EQ(wav.dataSize(), handed);
 }

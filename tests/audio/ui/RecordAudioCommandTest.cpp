@@ -26,20 +26,7 @@ ToolRun runTool(const std::string& args) {
     return run;
 }
 
-class RecordAudioCommandTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        std::string error;
-        if (!sandbox.startPulse(&error))
-            GTEST_SKIP() << error;
-        ramp = std::make_unique<test::RampSource>(sandbox);
-        ASSERT_TRUE(ramp->ok()) << ramp->error();
-    }
-    std::string file(const std::string& name) const { return sandbox.home() + "/" + name; }
-
-    test::SoundSandbox sandbox;
-    std::unique_ptr<test::RampSource> ramp;
-};
+using RecordAudioCommandTest = test::RampTest;
 
 TEST_F(RecordAudioCommandTest, RecordsExactlyTheAskedSecondsOfTheRamp) {
     const ToolRun run =

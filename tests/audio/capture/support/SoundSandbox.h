@@ -85,4 +85,21 @@ private:
     std::thread m_writer;
 };
 
+// A test with its own PulseAudio server whose default source plays the
+// ramp; skipped where PulseAudio is not installed.
+class RampTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string error;
+        if (!sandbox.startPulse(&error))
+            GTEST_SKIP() << error;
+        ramp = std::make_unique<RampSource>(sandbox);
+        ASSERT_TRUE(ramp->ok()) << ramp->error();
+    }
+    std::string file(const std::string& name) const { return sandbox.home() + "/" + name; }
+
+    SoundSandbox sandbox;
+    std::unique_ptr<RampSource> ramp;
+};
+
 } // namespace mirabend::test
