@@ -14,8 +14,8 @@
 
 #include <QLineEdit>
 #include <QStringList>
-#include <functional>
 #include <gtest/gtest.h>
+#include <functional>
 #include <memory>
 
 namespace mirabend::test {
@@ -29,24 +29,25 @@ struct Trace {
 
 class TraceRecording final : public RecordingPort {
 public:
-    TraceRecording(Trace& trace, Mirabend_frm& window)
-        : m_trace(trace)
-        , m_window(window) {}
+    TraceRecording(Trace& trace, Mirabend_frm& window) : m_trace(trace), m_window(window) {}
     // The real session writes these texts; the fake does the same so the
     // main window's clean-up after mode changes can be seen.
     void StartRecPre() override { m_trace.add(QStringLiteral("StartRecPre")); }
     void StartRec() override { m_trace.add(QStringLiteral("StartRec")); }
-    void PauseRec() override {
+    void PauseRec() override
+    {
         m_trace.add(QStringLiteral("PauseRec"));
         m_window.context().status->setPanelText(1, QStringLiteral("Paused ..."));
     }
-    void ResumeRec() override {
+    void ResumeRec() override
+    {
         m_trace.add(QStringLiteral("ResumeRec mode=") + m_window.context().mode());
         m_window.context().status->setPanelText(1, QStringLiteral("Recording ..."));
     }
     void StopRec() override { m_trace.add(QStringLiteral("StopRec")); }
     void showOptions() override { m_trace.add(QStringLiteral("showOptions")); }
-    void setDefaultArea(int w, int h) override {
+    void setDefaultArea(int w, int h) override
+    {
         m_trace.add(QStringLiteral("setDefaultArea %1x%2").arg(w).arg(h));
     }
 
@@ -57,11 +58,11 @@ private:
 
 class TraceSlides final : public SlideShowPort {
 public:
-    explicit TraceSlides(Trace& trace)
-        : m_trace(trace) {}
+    explicit TraceSlides(Trace& trace) : m_trace(trace) {}
     void openSlides() override { m_trace.add(QStringLiteral("openSlides")); }
     void openSlidesStart() override { m_trace.add(QStringLiteral("openSlidesStart")); }
-    bool openFile(const QString& path) override {
+    bool openFile(const QString& path) override
+    {
         m_trace.add(QStringLiteral("openFile ") + path);
         return true;
     }
@@ -78,15 +79,15 @@ private:
 class TraceCamera final : public CameraPort {
 public:
     TraceCamera(Trace& trace, QStringList devices, QStringList formats)
-        : m_trace(trace)
-        , m_devices(std::move(devices))
-        , m_formats(std::move(formats)) {}
+        : m_trace(trace), m_devices(std::move(devices)), m_formats(std::move(formats)) {}
     void PreviewCam1() override { m_trace.add(QStringLiteral("PreviewCam1")); }
-    QStringList deviceNames() override {
+    QStringList deviceNames() override
+    {
         m_trace.add(QStringLiteral("camera.deviceNames"));
         return m_devices;
     }
-    QStringList formatNames() override {
+    QStringList formatNames() override
+    {
         m_trace.add(QStringLiteral("camera.formatNames"));
         return m_formats;
     }
@@ -99,11 +100,10 @@ private:
 
 class TraceAudio final : public AudioPort {
 public:
-    TraceAudio(Trace& trace, QStringList devices)
-        : m_trace(trace)
-        , m_devices(std::move(devices)) {}
+    TraceAudio(Trace& trace, QStringList devices) : m_trace(trace), m_devices(std::move(devices)) {}
     void showRecorder() override { m_trace.add(QStringLiteral("showRecorder")); }
-    QStringList inputDevices() override {
+    QStringList inputDevices() override
+    {
         m_trace.add(QStringLiteral("InitDevices"));
         return m_devices;
     }
@@ -125,7 +125,8 @@ class ShellTest : public ::testing::Test {
 protected:
     void SetUp() override { build(ShellOptions{}); }
 
-    void build(const ShellOptions& options) {
+    void build(const ShellOptions& options)
+    {
         window.reset();
         trace.calls.clear();
         ShellServices services;
@@ -134,18 +135,14 @@ protected:
             trace.add(QStringLiteral("recording.created"));
             return std::make_unique<TraceRecording>(trace, w);
         };
-        services.makeSlides = [this](Mirabend_frm&) {
-            return std::make_unique<TraceSlides>(trace);
-        };
+        services.makeSlides = [this](Mirabend_frm&) { return std::make_unique<TraceSlides>(trace); };
         services.makeCamera = [this, options](Mirabend_frm&) {
             return std::make_unique<TraceCamera>(trace, options.cameraDevices, options.cameraFormats);
         };
         services.makeAudio = [this, options](Mirabend_frm&) {
             return std::make_unique<TraceAudio>(trace, options.audioDevices);
         };
-        services.endProgram = [this] {
-            trace.add(QStringLiteral("endProgram"));
-        };
+        services.endProgram = [this] { trace.add(QStringLiteral("endProgram")); };
         window = std::make_unique<Mirabend_frm>(services);
         if (options.beforeLoad)
             options.beforeLoad(*window);

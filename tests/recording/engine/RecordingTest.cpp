@@ -13,6 +13,8 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <sys/mount.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 
@@ -327,6 +329,33 @@ TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows)
     ASSERT_TRUE(info.opened);
     EXPECT_NEAR(info.videoSeconds, 2.5, 0.3);
     EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.3);
+}
+
+TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile)
+{
+    const std::string mountPoint = m_folder.file("small");
+    mkdir(mountPoint.c_str(), 0700);
+    if (mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=64k") != 0)
+        GTEST_SKIP() << "cannot mount a small tmpfs here (needs root): " << strerror(errno);
+    const std::string file = mountPoint + "/full.avi";
+    {
+        Screen2Video r;
+        r.OutputFileName(QString::fromStdString(file));
+        r.VideoCompressorIndex(r.VideoCompressors().FindByName(QStringLiteral("Motion JPEG")));
+        r.AviWidth(640);
+        r.AviHeight(480);
+        r.FrameRate(24);
+        ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
+        for (int i = 0; i < 500 && r.IsCapturing(); ++i)
+            std::this_thread::sleep_for(20ms);
+        EXPECT_FALSE(r.IsCapturing()) << "a full disk ends the recording";
+        r.StopCapture();
+        EXPECT_EQ(failuresOf(r, RecorderError::WriteFailed).size(), 1u);
+        const test::MediaInfo info = probe(file);
+        EXPECT_TRUE(info.opened);
+        EXPECT_GT(info.videoPackets, 0);
+    }
+    umount(mountPoint.c_str());
 }
 
 TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled)
