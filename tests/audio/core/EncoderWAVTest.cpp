@@ -214,6 +214,10 @@ TEST(EncoderFormats, EveryOfferedFormatIsReadBack) {
             EXPECT_TRUE(wav.consistent());
             EXPECT_EQ(wav.u32(16), choice.image.size());
             EXPECT_TRUE(std::equal(choice.image.begin(), choice.image.end(), wav.bytes.begin() + 20));
+            if (fields.formatTag == wave_tag::kPcm) {
+                EXPECT_EQ(fields.blockAlign, fields.channels * fields.bitsPerSample / 8);
+                EXPECT_EQ(fields.avgBytesPerSec, fields.blockAlign * fields.samplesPerSec);
+            }
             if (fields.blockAlign > 1) {
                 EXPECT_EQ(wav.dataSize() % fields.blockAlign, 0u);
             }

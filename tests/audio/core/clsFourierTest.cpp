@@ -121,27 +121,15 @@ TEST(clsSmooth, AveragesWhatItHoldsAndRemembersTheLargestFullAverage) {
     s.SmoothAdd(5.0f);                       // ignored without a ring
     s.SmoothNew(5);
     EXPECT_FLOAT_EQ(s.SmoothGetMax(), 0.0f);
-    s.SmoothAdd(1.0f);
-    s.SmoothAdd(2.0f);
-    s.SmoothAdd(6.0f);
-    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 3.0f);
-    EXPECT_FLOAT_EQ(s.LargestAverage(), 0.0f); // not full yet
-
-    s.SmoothAdd(1.0f);
-    s.SmoothAdd(5.0f);
-    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 3.0f);
-    EXPECT_FLOAT_EQ(s.LargestAverage(), 3.0f);
-
-    // The sixth value replaces the first.
-    s.SmoothAdd(11.0f);
-    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 5.0f);
-    s.SmoothAdd(0.0f);
-    s.SmoothAdd(0.0f);
-    s.SmoothAdd(0.0f);
-    s.SmoothAdd(0.0f);
-    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 2.2f);
-    EXPECT_FLOAT_EQ(s.LargestAverage(), 5.0f);
-
+    // Each value added, then the average held and the largest full one; the
+    // sixth value replaces the first.
+    const float steps[][3] = {{1, 1, 0},  {2, 1.5f, 0}, {6, 3, 0},    {1, 2.5f, 0}, {5, 3, 3},
+                              {11, 5, 5}, {0, 4.6f, 5}, {0, 3.4f, 5}, {0, 3.2f, 5}, {0, 2.2f, 5}};
+    for (const auto& [value, average, largest] : steps) {
+        s.SmoothAdd(value);
+        EXPECT_FLOAT_EQ(s.SmoothGetMax(), average) << "after " << value;
+        EXPECT_FLOAT_EQ(s.LargestAverage(), largest) << "after " << value;
+    }
     s.SmoothNew(2);
     EXPECT_FLOAT_EQ(s.LargestAverage(), 0.0f);
 }
