@@ -76,7 +76,18 @@ struct Stage : SlideStage {
                 return near(seen, expected);
             },
             10000);
+        saveShot();
         return seen;
+    }
+
+    // With MIRABEND_SLIDESHOW_SHOTS set to a folder, every colour check
+    // leaves a picture of the screen there, to see what the pane showed.
+    void saveShot() const {
+        static int count = 0;
+        const QString folder = qEnvironmentVariable("MIRABEND_SLIDESHOW_SHOTS");
+        if (!folder.isEmpty())
+            QGuiApplication::primaryScreen()->grabWindow(0).save(
+                QStringLiteral("%1/shot-%2.png").arg(folder).arg(++count, 3, 10, QLatin1Char('0')));
     }
 
     bool open(const QString& path) {
