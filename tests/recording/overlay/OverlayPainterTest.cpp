@@ -95,11 +95,10 @@ TEST(OverlayText, HatchPatternIsAnchoredAtTheFrameOrigin) {
         ASSERT_GT(core.width(), 16);
         ASSERT_GT(core.height(), 16);
         const HatchCell cell = hatchCell(index);
-        int wrong = 0;
-        for (int y = core.top(); y <= core.bottom(); ++y)
-            for (int x = core.left(); x <= core.right(); ++x)
-                wrong += frame.pixel(x, y) != (hatchBit(cell, x, y) ? fore : back).rgb() ? 1 : 0;
-        EXPECT_EQ(wrong, 0) << overlayHatchStyleNames().at(index).toStdString();
+        EXPECT_EQ(
+            mismatches(frame, core, [&](int x, int y) { return (hatchBit(cell, x, y) ? fore : back).rgb(); }),
+            0)
+            << overlayHatchStyleNames().at(index).toStdString();
     }
 }
 

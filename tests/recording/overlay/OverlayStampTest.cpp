@@ -129,11 +129,7 @@ TEST_F(OverlayStamp, TextureBrushTilesTheImageFromTheFrameOrigin) {
     EXPECT_TRUE(report.ok());
     const QRect core = inkOf(frame, kBlue).box.adjusted(3, 3, -3, -3);
     ASSERT_GT(core.width(), 16);
-    int wrong = 0;
-    for (int y = core.top(); y <= core.bottom(); ++y)
-        for (int x = core.left(); x <= core.right(); ++x)
-            wrong += frame.pixel(x, y) != texture.pixel(x % 16, y % 16) ? 1 : 0;
-    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(mismatches(frame, core, [&](int x, int y) { return texture.pixel(x % 16, y % 16); }), 0);
 
     // Without its texture the caption still shows, in the plain text colour.
     s.textureFile = m_dir.filePath(QStringLiteral("gone.bmp"));
