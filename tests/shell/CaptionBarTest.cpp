@@ -78,20 +78,5 @@ TEST_F(CaptionBarTest, EitherFieldRefreshesBothCaptions) {
     EXPECT_EQ(stage().presenter_lb()->text(), QStringLiteral("Ana"));
 }
 
-TEST_F(CaptionBarTest, LayoutItemsReachTheWiredDialogs) {
-    int about = 0, resolution = 0;
-    window->commands().showAbout = [&about] {
-        ++about;
-    };
-    window->commands().showResolution = [&resolution] {
-        ++resolution;
-    };
-    ASSERT_NE(ctx().ebDemo->item(QStringLiteral("layout"), QStringLiteral("resolution")), nullptr);
-    ctx().ebDemo->item(QStringLiteral("layout"), QStringLiteral("resolution"))->click();
-    ctx().ebDemo->item(QStringLiteral("help"), QStringLiteral("about"))->click();
-    EXPECT_EQ(resolution, 1);
-    EXPECT_EQ(about, 1);
-}
-
 } // namespace
 } // namespace mirabend::test

@@ -17,23 +17,15 @@ class LifecycleTest : public ShellTest {};
 
 TEST_F(LifecycleTest, StartUpRunsInTheDesignedOrder)
 {
-    window.reset();
-    trace.calls.clear();
-    ShellServices services;
-    services.prompts = &prompts;
-    services.makeRecording = [this](Mirabend_frm& w) {
-        trace.add(QStringLiteral("recording.created"));
-        return std::make_unique<TraceRecording>(trace, w);
+    ShellOptions options;
+    options.audioDevices = QStringList{"mic"};
+    options.cameraDevices = QStringList{"cam A"};
+    options.cameraFormats = QStringList{"640x480 YUYV", "320x240"};
+    options.beforeLoad = [this](Mirabend_frm& w) {
+        w.resize(1000, 700);
+        EXPECT_TRUE(trace.calls.isEmpty()) << "nothing is created before the initialisation";
     };
-    services.makeCamera = [this](Mirabend_frm&) {
-        return std::make_unique<TraceCamera>(trace, QStringList{"cam A"}, QStringList{"640x480 YUYV", "320x240"});
-    };
-    services.makeAudio = [this](Mirabend_frm&) { return std::make_unique<TraceAudio>(trace, QStringList{"mic"}); };
-    window = std::make_unique<Mirabend_frm>(services);
-    window->resize(1000, 700);
-    EXPECT_TRUE(trace.calls.isEmpty()) << "nothing is created before the initialisation";
-    window->Form_Initialize();
-    window->Form_Load();
+    build(options);
     EXPECT_EQ(trace.calls, (QStringList{"recording.created", "setDefaultArea 1000x700", "InitDevices", "PreviewCam1",
                                         "camera.deviceNames", "camera.formatNames"}));
     // The task pane exists before the saved rectangles are taken.
@@ -147,12 +139,9 @@ TEST_F(LifecycleTest, ToolbarAndTaskPaneCarryTheDesignedKeys)
         if (!bar.key(i).isEmpty())
             keys << bar.key(i);
     }
-    EXPECT_EQ(keys.size(), 14);
-    for (const char* key : {"open", "cam", "slides", "text", "draw", "web", "record", "pause", "stop", "uni", "mix",
-                            "side", "options", "exit"})
-        EXPECT_TRUE(keys.contains(QLatin1String(key))) << key;
-    EXPECT_EQ(bar.caption(13), QStringLiteral("Pause"));
-    EXPECT_EQ(bar.image(13), 6);
+    keys.sort();
+    EXPECT_EQ(keys, (QStringList{"cam", "draw", "exit", "mix", "open", "options", "pause", "record", "side", "slides",
+                                 "stop", "text", "uni", "web"}));
 
     QStringList designed;
     for (ExplorerBarGroup* group : ctx().ebDemo->groups()) {
@@ -170,11 +159,6 @@ TEST_F(LifecycleTest, ToolbarAndTaskPaneCarryTheDesignedKeys)
         EXPECT_NE(ctx().ebDemo->item(QStringLiteral("record"), QLatin1String(key)), nullptr) << key;
     for (const char* key : {"rotate0", "rotate1", "rotate2", "rotate3", "dec", "resolution"})
         EXPECT_NE(ctx().ebDemo->item(QStringLiteral("layout"), QLatin1String(key)), nullptr) << key;
-    // Several bars may stay open at once.
-    ctx().ebDemo->group(QStringLiteral("camera"))->setExpanded(true);
-    ctx().ebDemo->group(QStringLiteral("web"))->setExpanded(true);
-    EXPECT_TRUE(ctx().ebDemo->group(QStringLiteral("camera"))->isExpanded());
-    EXPECT_TRUE(ctx().ebDemo->group(QStringLiteral("web"))->isExpanded());
 }
 
 TEST_F(LifecycleTest, ClickingAToolbarButtonDispatchesItsKey)

@@ -7,8 +7,7 @@
 #include <ostream>
 
 namespace mirabend {
-void PrintTo(const Rect4& r, std::ostream* os)
-{
+void PrintTo(const Rect4& r, std::ostream* os) {
     *os << "{top " << r.top << ", left " << r.left << ", height " << r.height << ", width " << r.width << "}";
 }
 } // namespace mirabend
@@ -18,57 +17,47 @@ namespace {
 
 class ModesTest : public ShellTest {};
 
-TEST_F(ModesTest, SideModePlacesCameraAndShrunkContentBesideIt)
-{
-    window->modes().SideMode();
-    EXPECT_EQ(mode(), QStringLiteral("Mode: Side"));
-    EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{20, 645, 109, 145}));
-    // 625 wide, 625 / 1.3333 high, for every content pane alike.
-    const Rect4 content{20, 10, 469, 625};
-    EXPECT_EQ(rectOf(stage().frmSS()), content);
-    EXPECT_EQ(rectOf(stage().parentPic()), content);
-    EXPECT_EQ(rectOf(stage().textBoard_txt()), content);
-    EXPECT_EQ(rectOf(stage().WebBrowser1()), content);
-    EXPECT_TRUE(pane::Visible(stage().infobar_pic()));
-    EXPECT_TRUE(pane::Visible(stage().VideoCap1()));
+TEST_F(ModesTest, EachModeLaysOutThePanes) {
+    const Rect4 full{0, 0, 435, 580}, inset{20, 645, 109, 145};
+    const struct {
+        void (PresentationModes::*set)();
+        const char* text;
+        Rect4 content; // every content pane alike
+        Rect4 camera;
+        bool cameraShown, infobarShown;
+    } rows[] = {
+        // 625 wide, 625 / 1.3333 high beside the camera.
+        {&PresentationModes::SideMode, "Mode: Side", {20, 10, 469, 625}, inset, true, true},
+        {&PresentationModes::MixedMode, "Mode: Mixed", full, inset, true, false},
+        // The camera pane gets the slide pane's place too, but the inset is hidden.
+        {&PresentationModes::SingleMode, "Mode: Single", full, full, false, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        ctx().modeToolbar->setButtonVisible(6, false);
+        (window->modes().*row.set)();
+        EXPECT_EQ(mode(), QLatin1String(row.text));
+        for (QWidget* w : {stage().frmSS(), stage().parentPic(),
+                           static_cast<QWidget*>(stage().textBoard_txt()), stage().WebBrowser1()})
+            EXPECT_EQ(rectOf(w), row.content) << w->objectName().toStdString();
+        EXPECT_EQ(rectOf(stage().VideoCap1()), row.camera);
+        EXPECT_TRUE(pane::Visible(stage().frmSS()));
+        EXPECT_EQ(pane::Visible(stage().VideoCap1()), row.cameraShown);
+        EXPECT_EQ(pane::Visible(stage().infobar_pic()), row.infobarShown);
+        EXPECT_EQ(ctx().modeToolbar->isButtonVisible(6), row.set == &PresentationModes::SingleMode);
+    }
 }
 
-TEST_F(ModesTest, MixedModeLaysCameraOverFullContent)
-{
-    window->modes().SideMode();
-    window->modes().MixedMode();
-    EXPECT_EQ(mode(), QStringLiteral("Mode: Mixed"));
-    EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{20, 645, 109, 145}));
-    const Rect4 full{0, 0, 435, 580};
-    for (QWidget* w : {stage().frmSS(), stage().parentPic(), static_cast<QWidget*>(stage().textBoard_txt()),
-                       stage().WebBrowser1()})
-        EXPECT_EQ(rectOf(w), full) << w->objectName().toStdString();
-    EXPECT_FALSE(pane::Visible(stage().infobar_pic()));
-    EXPECT_TRUE(pane::Visible(stage().VideoCap1()));
-}
-
-TEST_F(ModesTest, SingleModeGivesEveryPaneTheFullPlaceAndHidesTheInset)
-{
-    window->modes().MixedMode();
-    window->modes().SingleMode();
-    EXPECT_EQ(mode(), QStringLiteral("Mode: Single"));
-    const Rect4 full{0, 0, 435, 580};
-    EXPECT_EQ(rectOf(stage().frmSS()), full);
-    EXPECT_EQ(rectOf(stage().VideoCap1()), full) << "the camera pane gets the slide pane's place too";
-    EXPECT_TRUE(pane::Visible(stage().frmSS()));
-    EXPECT_FALSE(pane::Visible(stage().VideoCap1())) << "the 145 wide inset is hidden";
-    EXPECT_FALSE(pane::Visible(stage().infobar_pic()));
-}
-
-TEST_F(ModesTest, EachModeIsBracketedAndRestartsOnlyWhatItMust)
-{
+TEST_F(ModesTest, EachModeIsBracketedAndRestartsOnlyWhatItMust) {
     // Single -> Side: camera restart and re-embedding.
     window->modes().SideMode();
-    EXPECT_EQ(trace.calls, (QStringList{"PauseRec", "PreviewCam1", "OpenSlidesResize", "ResumeRec mode=Mode: Side"}));
+    EXPECT_EQ(trace.calls,
+              (QStringList{"PauseRec", "PreviewCam1", "OpenSlidesResize", "ResumeRec mode=Mode: Side"}));
     // Side -> Single: the camera restarts (from the geometry) and the show is re-embedded.
     trace.calls.clear();
     window->modes().SingleMode();
-    EXPECT_EQ(trace.calls, (QStringList{"PauseRec", "PreviewCam1", "OpenSlidesResize", "ResumeRec mode=Mode: Side"}))
+    EXPECT_EQ(trace.calls,
+              (QStringList{"PauseRec", "PreviewCam1", "OpenSlidesResize", "ResumeRec mode=Mode: Side"}))
         << "Single mode writes its text only after the resume";
     EXPECT_EQ(mode(), QStringLiteral("Mode: Single"));
     // Single -> Mixed: camera restart, no re-embedding.
@@ -88,8 +77,7 @@ TEST_F(ModesTest, EachModeIsBracketedAndRestartsOnlyWhatItMust)
     EXPECT_FALSE(trace.has(QStringLiteral("PreviewCam1")));
 }
 
-TEST_F(ModesTest, StatusTextClearedAfterModeChangeOnlyWhenNotRecording)
-{
+TEST_F(ModesTest, StatusTextClearedAfterModeChangeOnlyWhenNotRecording) {
     window->modes().SideMode();
     EXPECT_EQ(ctx().status->panelText(1), QString());
     ctx().fields.Text4->setText(QStringLiteral("run"));
@@ -99,8 +87,7 @@ TEST_F(ModesTest, StatusTextClearedAfterModeChangeOnlyWhenNotRecording)
     EXPECT_EQ(ctx().status->panelText(1), QStringLiteral("Recording ..."));
 }
 
-TEST_F(ModesTest, SlidePaneIsTheDefaultContentWhenNothingShows)
-{
+TEST_F(ModesTest, SlidePaneIsTheDefaultContentWhenNothingShows) {
     for (QWidget* w : {stage().frmSS(), stage().parentPic(), static_cast<QWidget*>(stage().textBoard_txt()),
                        stage().WebBrowser1()})
         w->hide();
@@ -113,8 +100,7 @@ TEST_F(ModesTest, SlidePaneIsTheDefaultContentWhenNothingShows)
     EXPECT_TRUE(pane::Visible(stage().parentPic()));
 }
 
-TEST_F(ModesTest, CameraCornersActOnlyInMixedMode)
-{
+TEST_F(ModesTest, CameraCornersActOnlyInMixedMode) {
     CameraSettingsPanel* panel = ctx().cameraPanel;
     window->modes().SideMode();
     const Rect4 before = rectOf(stage().VideoCap1());
@@ -139,8 +125,7 @@ TEST_F(ModesTest, CameraCornersActOnlyInMixedMode)
     EXPECT_EQ(panel->cornerLabel(2)->palette().color(QPalette::Window), QColor(99, 99, 200));
 }
 
-TEST_F(ModesTest, FullSizeCameraSurvivesSingleMode)
-{
+TEST_F(ModesTest, FullSizeCameraSurvivesSingleMode) {
     for (const char* start : {"uni", "side", "mix"}) {
         click(start);
         click("cam");
@@ -155,13 +140,6 @@ TEST_F(ModesTest, FullSizeCameraSurvivesSingleMode)
     // Single mode again keeps the enlarged camera.
     window->modes().SingleMode();
     EXPECT_TRUE(pane::Visible(stage().VideoCap1()));
-}
-
-TEST_F(ModesTest, SingleModeShowsTheLayoutToolbarsSixthButton)
-{
-    ctx().modeToolbar->setButtonVisible(6, false);
-    window->modes().SingleMode();
-    EXPECT_TRUE(ctx().modeToolbar->isButtonVisible(6));
 }
 
 } // namespace

@@ -15,6 +15,7 @@
 #include <QLineEdit>
 #include <QStringList>
 #include <gtest/gtest.h>
+#include <functional>
 #include <memory>
 
 namespace mirabend::test {
@@ -122,6 +123,8 @@ struct ShellOptions {
     QStringList audioDevices{QStringLiteral("Built-in microphone")};
     QStringList cameraDevices{QStringLiteral("USB camera"), QStringLiteral("TV card")};
     QStringList cameraFormats;
+    // Runs between construction and Form_Initialize; the trace is kept when set.
+    std::function<void(Mirabend_frm&)> beforeLoad;
 };
 
 class ShellTest : public ::testing::Test {
@@ -151,9 +154,12 @@ protected:
         };
         services.endProgram = [this] { trace.add(QStringLiteral("endProgram")); };
         window = std::make_unique<Mirabend_frm>(services);
+        if (options.beforeLoad)
+            options.beforeLoad(*window);
         window->Form_Initialize();
         window->Form_Load();
-        trace.calls.clear();
+        if (!options.beforeLoad)
+            trace.calls.clear();
     }
 
     ShellContext& ctx() { return window->context(); }

@@ -1,39 +1,35 @@
 // The X11 backend against a real X server (a private Xvfb).
 // gtest and Qt come first: Xlib's macros (None, Bool, Status) clash with them.
-#include <gtest/gtest.h>
-#include <QApplication>
-#include <QTest>
-#include <QWidget>
-#include <algorithm>
-#include <vector>
-
 #include "util/WindowStyle.h"
 #include "util/X11WindowSystem.h"
 
+#include <QApplication>
+#include <QTest>
+#include <QWidget>
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <vector>
 
 namespace mirabend::test {
 namespace {
 
 class X11Test : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         display = XOpenDisplay(nullptr);
         ASSERT_NE(display, nullptr);
         ASSERT_TRUE(system.isOpen());
     }
-    void TearDown() override
-    {
+    void TearDown() override {
         for (Window w : created)
             XDestroyWindow(display, w);
         XCloseDisplay(display);
     }
 
-    Window makeWindow(const char* wmClass)
-    {
+    Window makeWindow(const char* wmClass) {
         const Window w = XCreateSimpleWindow(display, DefaultRootWindow(display), 10, 10, 200, 150, 0, 0, 0);
         XClassHint hint{const_cast<char*>(wmClass), const_cast<char*>(wmClass)};
         XSetClassHint(display, w, &hint);
@@ -43,15 +39,14 @@ protected:
         return w;
     }
 
-    std::vector<long> property(Window w, const char* name, Atom type)
-    {
+    std::vector<long> property(Window w, const char* name, Atom type) {
         Atom actual = 0;
         int format = 0;
         unsigned long count = 0, after = 0;
         unsigned char* data = nullptr;
         std::vector<long> values;
-        if (XGetWindowProperty(display, w, XInternAtom(display, name, False), 0, 64, False, type, &actual, &format,
-                               &count, &after, &data) == Success &&
+        if (XGetWindowProperty(display, w, XInternAtom(display, name, False), 0, 64, False, type, &actual,
+                               &format, &count, &after, &data) == Success &&
             data) {
             const long* longs = reinterpret_cast<const long*>(data);
             values.assign(longs, longs + count);
@@ -65,8 +60,7 @@ protected:
     std::vector<Window> created;
 };
 
-TEST_F(X11Test, StyleSwitchesBecomeMotifHintsAndTheWindowShowsAgain)
-{
+TEST_F(X11Test, StyleSwitchesBecomeMotifHintsAndTheWindowShowsAgain) {
     const Window w = makeWindow("screenClass");
     WindowStyle style(&system);
     style.HWnd(static_cast<std::uint32_t>(w));
@@ -89,8 +83,7 @@ TEST_F(X11Test, StyleSwitchesBecomeMotifHintsAndTheWindowShowsAgain)
     EXPECT_EQ(attributes.map_state, IsViewable) << "the show call maps the window again";
 }
 
-TEST_F(X11Test, FindsReparentsRenamesAndTopMost)
-{
+TEST_F(X11Test, FindsReparentsRenamesAndTopMost) {
     EXPECT_EQ(system.findWindowByClass(QStringLiteral("screenClass")), 0u);
     const Window show = makeWindow("screenClass");
     EXPECT_EQ(system.findWindowByClass(QStringLiteral("screenClass")), show);
@@ -134,8 +127,7 @@ TEST_F(X11Test, FindsReparentsRenamesAndTopMost)
     EXPECT_EQ(before.height, after.height);
 }
 
-TEST_F(X11Test, VanishedWindowsAreReportedNotFatal)
-{
+TEST_F(X11Test, VanishedWindowsAreReportedNotFatal) {
     const Window gone = makeWindow("gone");
     XDestroyWindow(display, gone);
     created.clear();

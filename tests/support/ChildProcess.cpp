@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -13,8 +14,7 @@
 namespace mirabend::test {
 
 bool ChildProcess::start(const std::vector<std::string>& argv, const std::vector<std::string>& env,
-                         const std::string& logFile, int keepFd)
-{
+                         const std::string& logFile, int keepFd) {
     stop();
     m_exitCode = -1;
     if (argv.empty())
@@ -53,14 +53,12 @@ bool ChildProcess::start(const std::vector<std::string>& argv, const std::vector
     return true;
 }
 
-void ChildProcess::reaped(int status)
-{
+void ChildProcess::reaped(int status) {
     m_exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     m_pid = -1;
 }
 
-bool ChildProcess::running()
-{
+bool ChildProcess::running() {
     if (m_pid <= 0)
         return false;
     int status = 0;
@@ -72,8 +70,7 @@ bool ChildProcess::running()
     return r == 0;
 }
 
-int ChildProcess::wait(int timeoutMs)
-{
+int ChildProcess::wait(int timeoutMs) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
     while (running()) {
         if (std::chrono::steady_clock::now() >= deadline)
@@ -83,8 +80,7 @@ int ChildProcess::wait(int timeoutMs)
     return m_exitCode;
 }
 
-void ChildProcess::stop(int graceMs)
-{
+void ChildProcess::stop(int graceMs) {
     if (m_pid <= 0)
         return;
     // One signal only: a program that winds down on the first may take a
@@ -107,8 +103,7 @@ void ChildProcess::stop(int graceMs)
     m_pid = -1;
 }
 
-bool haveProgram(const std::string& program)
-{
+bool haveProgram(const std::string& program) {
     const char* path = std::getenv("PATH");
     if (!path)
         return false;
@@ -116,7 +111,8 @@ bool haveProgram(const std::string& program)
     std::size_t start = 0;
     while (start <= paths.size()) {
         const std::size_t end = paths.find(':', start);
-        const std::string dir = paths.substr(start, end == std::string::npos ? std::string::npos : end - start);
+        const std::string dir =
+            paths.substr(start, end == std::string::npos ? std::string::npos : end - start);
         if (!dir.empty() && access((dir + "/" + program).c_str(), X_OK) == 0)
             return true;
         if (end == std::string::npos)
@@ -126,20 +122,32 @@ bool haveProgram(const std::string& program)
     return false;
 }
 
-TempFolder::TempFolder(const std::string& prefix)
-{
+TempFolder::TempFolder(const std::string& prefix) {
     const char* tmp = std::getenv("TMPDIR");
     std::string pattern = std::string(tmp && *tmp ? tmp : "/tmp") + "/" + prefix + "-XXXXXX";
     if (char* made = mkdtemp(pattern.data()))
         m_path = made;
 }
 
-TempFolder::~TempFolder()
-{
+TempFolder::~TempFolder() {
     if (!m_path.empty()) {
         std::error_code ignored;
         std::filesystem::remove_all(m_path, ignored);
     }
+}
+
+std::string runShell(const std::string& command, int* exitCode) {
+    std::string out;
+    int status = -1;
+    if (FILE* pipe = popen(command.c_str(), "r")) {
+        char buffer[512];
+        while (std::fgets(buffer, sizeof buffer, pipe))
+            out += buffer;
+        status = pclose(pipe);
+    }
+    if (exitCode)
+        *exitCode = status != -1 && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return out;
 }
 
 } // namespace mirabend::test

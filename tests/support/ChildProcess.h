@@ -39,6 +39,10 @@ private:
 // True when `program` is found in PATH.
 bool haveProgram(const std::string& program);
 
+// Runs a shell command line and returns what it wrote to standard output;
+// `exitCode` gets its exit code (-1 when it did not end normally).
+std::string runShell(const std::string& command, int* exitCode = nullptr);
+
 // A fresh private folder under $TMPDIR, removed with its content on destruction.
 class TempFolder {
 public:

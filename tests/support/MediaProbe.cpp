@@ -60,6 +60,9 @@ MediaInfo probe(const std::string& file) {
                     case AV_SAMPLE_FMT_FLT:
                         v = reinterpret_cast<const float*>(frame->data[0])[s * ch + c];
                         break;
+                    case AV_SAMPLE_FMT_U8:
+                        v = (frame->data[0][s * ch + c] - 128) / 128.0;
+                        break;
                     default:
                         break;
                     }

@@ -8,8 +8,7 @@
 
 namespace mirabend::test {
 
-PulseServer::PulseServer()
-{
+PulseServer::PulseServer() {
     if (!haveProgram("pulseaudio") || m_folder.path().empty())
         return;
     const std::string run = m_folder.file("run");
@@ -40,8 +39,7 @@ PulseServer::PulseServer()
     }
 }
 
-PulseServer::~PulseServer()
-{
+PulseServer::~PulseServer() {
     m_process.stop();
     if (m_previousServer.empty())
         unsetenv("PULSE_SERVER");
@@ -49,17 +47,8 @@ PulseServer::~PulseServer()
         setenv("PULSE_SERVER", m_previousServer.c_str(), 1);
 }
 
-std::string PulseServer::pactl(const std::string& arguments) const
-{
-    const std::string command = "PULSE_SERVER=unix:" + m_socket + " pactl " + arguments + " 2>/dev/null";
-    std::string out;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[512];
-        while (std::fgets(buffer, sizeof buffer, pipe))
-            out += buffer;
-        pclose(pipe);
-    }
-    return out;
+std::string PulseServer::pactl(const std::string& arguments) const {
+    return runShell("PULSE_SERVER=unix:" + m_socket + " pactl " + arguments + " 2>/dev/null");
 }
 
 } // namespace mirabend::test

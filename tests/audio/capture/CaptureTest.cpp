@@ -1,23 +1,20 @@
 // Capture from a real PulseAudio server whose default source plays a known
-// ramp: sample order, buffer sizes, channels, volume, a consumer that falls
+// ramp: sample order, buffer sizes, channels, a consumer that falls
 // behind and a server that dies.
 #include "SoundSandbox.h"
 #include "audio/capture/WaveInRecorder.h"
 
+#include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <condition_variable>
 #include <gtest/gtest.h>
 #include <mutex>
-#include <regex>
 #include <thread>
 
 namespace mirabend {
 namespace {
 
 using namespace std::chrono_literals;
-using test::rampLeft;
-using test::rampRight;
 
 struct Captured {
     std::vector<std::int16_t> samples; // all buffers, in delivery order
@@ -26,8 +23,7 @@ struct Captured {
 
 class CaptureTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         std::string error;
         if (!sandbox.startPulse(&error))
             GTEST_SKIP() << error;
@@ -42,14 +38,12 @@ protected:
         });
     }
 
-    void startRamp(unsigned channels = 2)
-    {
+    void startRamp(unsigned channels = 2) {
         ramp = std::make_unique<test::RampSource>(sandbox, 44100, channels);
         ASSERT_TRUE(ramp->ok()) << ramp->error();
     }
 
-    void selectPulse()
-    {
+    void selectPulse() {
         rec.DeviceCount();
         const int index = findInputDevice(rec.devices(), "pulse");
         ASSERT_GE(index, 0) << "the pulse device is not listed";
@@ -57,8 +51,7 @@ protected:
     }
 
     // Delivers on this thread, as an owner does, until `buffers` arrived.
-    void deliver(std::size_t buffers)
-    {
+    void deliver(std::size_t buffers) {
         const auto deadline = std::chrono::steady_clock::now() + 10s;
         while (got.bytes.size() < buffers && std::chrono::steady_clock::now() < deadline) {
             {
@@ -69,16 +62,6 @@ protected:
             rec.DeliverPending();
         }
         ASSERT_GE(got.bytes.size(), buffers) << "capture delivered too little";
-    }
-
-    // Index of the first ramp frame, skipping the silence a pipe source
-    // plays before the first data arrives.
-    static std::size_t firstRampFrame(const std::vector<std::int16_t>& s, unsigned channels)
-    {
-        std::size_t f = 0;
-        while (f * channels < s.size() && s[f * channels] == 0)
-            ++f;
-        return f;
     }
 
     test::SoundSandbox sandbox;
@@ -92,14 +75,7 @@ private:
     bool m_ready = false;
 };
 
-// True when frame b follows frame a on the ramp.
-bool follows(std::int16_t a, std::int16_t b)
-{
-    return b == (a == 30000 ? 1 : a + 1);
-}
-
-TEST_F(CaptureTest, EverySampleArrivesOnceInOrderInBuffersOfTheChosenSize)
-{
+TEST_F(CaptureTest, EverySampleArrivesOnceInOrderInBuffersOfTheChosenSize) {
     startRamp();
     selectPulse();
     rec.BufferSize(4096);
@@ -109,24 +85,12 @@ TEST_F(CaptureTest, EverySampleArrivesOnceInOrderInBuffersOfTheChosenSize)
     deliver(60); // about 1.4 s of audio
     rec.StopRecord();
 
-    for (int bytes : got.bytes)
-        ASSERT_EQ(bytes, 4096);
-    const std::size_t start = firstRampFrame(got.samples, 2);
-    const std::size_t frames = got.samples.size() / 2;
-    ASSERT_LT(start + 44100 / 2, frames) << "too little of the ramp arrived";
-    for (std::size_t f = start; f < frames; ++f) {
-        const std::int16_t left = got.samples[2 * f], right = got.samples[2 * f + 1];
-        ASSERT_EQ(right, -left) << "channels swapped or mixed at frame " << f;
-        if (f > start) {
-            ASSERT_TRUE(follows(got.samples[2 * (f - 1)], left))
-                << "gap or repeat at frame " << f << ": " << got.samples[2 * (f - 1)] << " -> " << left;
-        }
-    }
+    EXPECT_EQ(std::count(got.bytes.begin(), got.bytes.end(), 4096), long(got.bytes.size()));
+    EXPECT_TRUE(test::isRamp(got.samples, 2, 44100 / 2));
     EXPECT_EQ(rec.captureStats().buffersDropped, 0u);
 }
 
-TEST_F(CaptureTest, MonoCaptureFromTheDefaultDeviceWithoutSelection)
-{
+TEST_F(CaptureTest, MonoCaptureFromTheDefaultDeviceWithoutSelection) {
     startRamp(1);
     EXPECT_EQ(rec.SelectedDevice(), -1);
     rec.BufferSize(2000);
@@ -134,42 +98,10 @@ TEST_F(CaptureTest, MonoCaptureFromTheDefaultDeviceWithoutSelection)
     deliver(40);
     rec.StopRecord();
     EXPECT_EQ(got.bytes.front(), 2000);
-    const std::size_t start = firstRampFrame(got.samples, 1);
-    ASSERT_LT(start + 10000, got.samples.size());
-    for (std::size_t i = start + 1; i < got.samples.size(); ++i)
-        ASSERT_TRUE(follows(got.samples[i - 1], got.samples[i])) << "at sample " << i;
+    EXPECT_TRUE(test::isRamp(got.samples, 1, 10000));
 }
 
-TEST_F(CaptureTest, HalfVolumeScalesTheLevelAsTheServerSays)
-{
-    startRamp();
-    selectPulse();
-    ASSERT_EQ(rec.MixerLineCount(), 1);
-    ASSERT_TRUE(rec.SelectMixerLine(0));
-    EXPECT_EQ(rec.MixerLineVolumeRange().max, 65536);
-    rec.MixerLineVolume(32768);
-    EXPECT_EQ(rec.MixerLineVolume(), 32768);
-
-    const std::string said = sandbox.pactl("get-source-volume ramp");
-    std::smatch m;
-    ASSERT_TRUE(std::regex_search(said, m, std::regex(R"(50%\s*/\s*(-?[0-9.]+) dB)"))) << said;
-    const double gain = std::pow(10.0, std::stod(m[1]) / 20.0);
-    EXPECT_NEAR(gain, 0.125, 0.001);
-
-    rec.BufferSize(8192);
-    ASSERT_TRUE(rec.StartRecord(44100, 2));
-    deliver(30);
-    rec.StopRecord();
-    // The last half second: compare each sample with the ramp value it
-    // must come from, found through the right channel's sign pattern.
-    std::int16_t peak = 0;
-    for (std::size_t i = got.samples.size() / 2; i < got.samples.size(); i += 2)
-        peak = std::max(peak, got.samples[i]);
-    EXPECT_NEAR(peak, 30000 * gain, 30000 * gain * 0.01);
-}
-
-TEST_F(CaptureTest, SlowConsumerLosesCountedBuffersButNeverOrder)
-{
+TEST_F(CaptureTest, SlowConsumerLosesCountedBuffersButNeverOrder) {
     startRamp();
     selectPulse();
     rec.BufferSize(4096);
@@ -183,13 +115,18 @@ TEST_F(CaptureTest, SlowConsumerLosesCountedBuffersButNeverOrder)
     deliver(20);
     rec.StopRecord();
     // After the loss the stream runs on without further gaps.
-    const std::size_t start = firstRampFrame(got.samples, 2);
-    for (std::size_t f = start + 1; f < got.samples.size() / 2; ++f)
-        ASSERT_TRUE(follows(got.samples[2 * (f - 1)], got.samples[2 * f])) << "at frame " << f;
+    EXPECT_TRUE(test::isRamp(got.samples, 2, 1));
 }
 
-TEST_F(CaptureTest, VanishedServerIsReportedAndStopStillWorks)
-{
+TEST_F(CaptureTest, RefusedStartsAndAVanishedServerLeaveTheRecorderIdle) {
+    EXPECT_TRUE(rec.StopRecord()); // idle: nothing to do
+    rec.BufferSize(0);
+    EXPECT_FALSE(rec.StartRecord(44100, 2));
+    EXPECT_EQ(rec.lastFailure().code, CaptureError::BadParameters);
+    rec.BufferSize(10240);
+    EXPECT_FALSE(rec.StartRecord(0, 2));
+    EXPECT_FALSE(rec.IsRecording());
+
     startRamp();
     selectPulse();
     ASSERT_TRUE(rec.StartRecord(44100, 2));
@@ -206,17 +143,6 @@ TEST_F(CaptureTest, VanishedServerIsReportedAndStopStillWorks)
     EXPECT_FALSE(rec.IsRecording());
     EXPECT_FALSE(rec.StartRecord(44100, 2));
     EXPECT_NE(rec.lastFailure().code, CaptureError::None);
-}
-
-TEST_F(CaptureTest, RefusedStartsLeaveTheRecorderIdle)
-{
-    EXPECT_TRUE(rec.StopRecord()); // idle: nothing to do
-    rec.BufferSize(0);
-    EXPECT_FALSE(rec.StartRecord(44100, 2));
-    EXPECT_EQ(rec.lastFailure().code, CaptureError::BadParameters);
-    rec.BufferSize(10240);
-    EXPECT_FALSE(rec.StartRecord(0, 2));
-    EXPECT_FALSE(rec.IsRecording());
 }
 
 } // namespace

@@ -12,60 +12,34 @@ namespace {
 
 using test::SoundSandbox;
 
-std::string clean(const std::string& field)
-{
+std::string clean(const std::string& field) {
     return field.substr(0, field.find('\0'));
 }
 
 class MixerLinesTest : public ::testing::Test {
 protected:
-    // Value saved by the plugin for one control, "v0 v1" or "v0".
-    std::string saved(const std::string& layout, const std::string& control)
-    {
-        std::ifstream in(sandbox.stateFile(layout));
-        std::string line;
-        while (std::getline(in, line)) {
-            if (line.rfind(control + "|", 0) == 0)
-                return line.substr(control.size() + 1);
-        }
-        return "<missing>";
-    }
-
-    int indexOf(WaveInRecorder& rec, const std::string& pcm)
-    {
+    int indexOf(WaveInRecorder& rec, const std::string& pcm) {
         rec.DeviceCount();
         return findInputDevice(rec.devices(), pcm);
     }
 
-    void selectLayout(WaveInRecorder& rec, const std::string& layout)
-    {
+    void selectLayout(WaveInRecorder& rec, const std::string& layout) {
         const int index = indexOf(rec, "mixtest_" + layout);
         ASSERT_GE(index, 0) << layout << " test device is not listed";
         ASSERT_TRUE(rec.SelectDevice(index)) << rec.lastFailure().detail;
     }
 
-    std::vector<std::string> lineNames(WaveInRecorder& rec)
-    {
+    std::vector<std::string> lineNames(WaveInRecorder& rec) {
         std::vector<std::string> names;
         for (int i = 0; i < rec.MixerLineCount(); ++i)
             names.push_back(clean(rec.MixerLineName(i)));
         return names;
     }
 
-    static int line(const std::vector<std::string>& names, const std::string& name)
-    {
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            if (names[i] == name)
-                return static_cast<int>(i);
-        }
-        return -1;
-    }
-
     SoundSandbox sandbox{MIXTEST_PLUGIN};
 };
 
-TEST_F(MixerLinesTest, ListsUserDevicesWithReadableNamesAndLeavesHelpersOut)
-{
+TEST_F(MixerLinesTest, ListsUserDevicesWithReadableNamesAndLeavesHelpersOut) {
     const std::vector<InputDevice> devices = listInputDevices();
     const int index = findInputDevice(devices, "mixtest_enum");
     ASSERT_GE(index, 0);
@@ -85,19 +59,12 @@ TEST_F(MixerLinesTest, ListsUserDevicesWithReadableNamesAndLeavesHelpersOut)
     EXPECT_EQ(shortName, std::string("Test sound server") + std::string(15, '\0'));
 }
 
-TEST_F(MixerLinesTest, WithoutADeviceThereAreNoLines)
-{
+TEST_F(MixerLinesTest, WithoutADeviceThereAreNoLinesAndARefusedIndexKeepsTheMixer) {
     WaveInRecorder rec;
     EXPECT_EQ(rec.SelectedDevice(), -1);
     EXPECT_EQ(rec.MixerLineCount(), 0);
-    EXPECT_EQ(rec.MixerLineName(0), "");
     EXPECT_FALSE(rec.SelectMixerLine(0));
     EXPECT_EQ(rec.MixerLineVolume(), 0);
-}
-
-TEST_F(MixerLinesTest, RefusedIndexKeepsThePreviousDeviceAndMixer)
-{
-    WaveInRecorder rec;
     selectLayout(rec, "switches");
     const int chosen = rec.SelectedDevice();
     EXPECT_FALSE(rec.SelectDevice(-1));
@@ -107,91 +74,68 @@ TEST_F(MixerLinesTest, RefusedIndexKeepsThePreviousDeviceAndMixer)
     EXPECT_EQ(rec.MixerLineCount(), 3);
 }
 
-TEST_F(MixerLinesTest, ExclusiveSwitchesChooseTheCaptureSource)
-{
-    WaveInRecorder rec;
-    selectLayout(rec, "switches");
-    const std::vector<std::string> names = lineNames(rec);
-    ASSERT_EQ(names.size(), 3u);
-    const int mic = line(names, "Mic"), lineIn = line(names, "Line"), cd = line(names, "CD");
-    ASSERT_TRUE(mic >= 0 && lineIn >= 0 && cd >= 0);
-    EXPECT_EQ(rec.MixerLineName(0).size(), 64u);
-    EXPECT_EQ(rec.SelectedMixerLine(), lineIn); // the card starts on Line
-
-    ASSERT_TRUE(rec.SelectMixerLine(mic));
-    EXPECT_EQ(saved("switches", "Capture Source"), "0 0");
-    EXPECT_EQ(rec.SelectedMixerLine(), mic);
-    EXPECT_EQ(rec.MixerLineType(-1), LineMicrophone);
-    EXPECT_EQ(lineKindName(rec.MixerLineType(cd)), "Compact Disc");
-
-    ASSERT_TRUE(rec.SelectMixerLine(cd));
-    EXPECT_EQ(saved("switches", "Capture Source"), "2 2");
-    EXPECT_EQ(rec.SelectedMixerLine(), cd);
-    EXPECT_FALSE(rec.SelectMixerLine(3));
-    EXPECT_EQ(saved("switches", "Capture Source"), "2 2");
+TEST_F(MixerLinesTest, EachLayoutChoosesItsSourceAndSetsItsVolumeOnTheCard) {
+    const struct {
+        const char* layout;
+        std::vector<std::string> names;
+        int startsOn;
+        int choose;
+        const char *sourceControl, *sourceValue; // saved after choosing
+        int volumeMax, volume;
+        const char *volumeControl, *volumeValue, *untouched, *untouchedValue;
+    } rows[] = {
+        // clang-format off
+        // Exclusive switches; the volume goes to the chosen line only.
+        {"switches", {"Line", "CD", "Mic"}, 0, 1, "Capture Source", "2 2",
+         31, 7, "CD Capture Volume", "7", "Line Capture Volume", "11 11"},
+        // An input source list sharing one capture volume.
+        {"enum", {"Mic", "Front Mic", "Line"}, 2, 1, "Input Source", "1",
+         63, 50, "Capture Volume", "50 50", "Input Source", "1"},
+        // A sound server: one line, unmuted by choosing it.
+        {"server", {"Capture"}, 0, 0, "Capture Switch", "1 1",
+         65536, 32768, "Capture Volume", "32768 32768", "Master Playback Volume", "65536 65536"},
+        // clang-format on
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.layout);
+        WaveInRecorder rec;
+        selectLayout(rec, row.layout);
+        ASSERT_EQ(lineNames(rec), row.names);
+        EXPECT_EQ(rec.MixerLineName(0).size(), 64u);
+        EXPECT_EQ(rec.SelectedMixerLine(), row.startsOn);
+        ASSERT_TRUE(rec.SelectMixerLine(row.choose));
+        EXPECT_EQ(sandbox.saved(row.layout, row.sourceControl), row.sourceValue);
+        EXPECT_EQ(rec.SelectedMixerLine(), row.choose);
+        EXPECT_FALSE(rec.SelectMixerLine(3));
+        EXPECT_EQ(sandbox.saved(row.layout, row.sourceControl), row.sourceValue);
+        EXPECT_EQ(rec.MixerLineVolumeRange().max, row.volumeMax);
+        rec.MixerLineVolume(row.volume);
+        EXPECT_EQ(rec.MixerLineVolume(), row.volume);
+        EXPECT_EQ(sandbox.saved(row.layout, row.volumeControl), row.volumeValue);
+        EXPECT_EQ(sandbox.saved(row.layout, row.untouched), row.untouchedValue);
+    }
 }
 
-TEST_F(MixerLinesTest, VolumeGoesToTheSelectedLineOnEveryChannel)
-{
+TEST_F(MixerLinesTest, LineKindsFollowTheLineNames) {
     WaveInRecorder rec;
     selectLayout(rec, "switches");
-    const std::vector<std::string> names = lineNames(rec);
-    ASSERT_TRUE(rec.SelectMixerLine(line(names, "Mic")));
+    ASSERT_TRUE(rec.SelectMixerLine(2)); // Mic
+    EXPECT_EQ(sandbox.saved("switches", "Capture Source"), "0 0");
     EXPECT_EQ(rec.MixerLineVolume(), 10);
-    EXPECT_EQ(rec.MixerLineVolumeRange().max, 31);
-    rec.MixerLineVolume(25);
-    EXPECT_EQ(saved("switches", "Mic Capture Volume"), "25 25");
-    EXPECT_EQ(saved("switches", "Line Capture Volume"), "11 11");
-    EXPECT_EQ(rec.MixerLineVolume(), 25);
-
-    ASSERT_TRUE(rec.SelectMixerLine(line(names, "CD"))); // CD is a mono line
-    EXPECT_EQ(rec.MixerLineVolume(), 12);
-    rec.MixerLineVolume(7);
-    EXPECT_EQ(saved("switches", "CD Capture Volume"), "7");
-    EXPECT_EQ(saved("switches", "Mic Capture Volume"), "25 25");
-}
-
-TEST_F(MixerLinesTest, InputSourceListChoosesTheItemAndSharesOneCaptureVolume)
-{
-    WaveInRecorder rec;
+    EXPECT_EQ(rec.MixerLineType(-1), LineMicrophone);
+    EXPECT_EQ(lineKindName(rec.MixerLineType(1)), "Compact Disc");
     selectLayout(rec, "enum");
-    ASSERT_EQ(lineNames(rec), (std::vector<std::string>{"Mic", "Front Mic", "Line"}));
-    EXPECT_EQ(rec.SelectedMixerLine(), 2);
-    ASSERT_TRUE(rec.SelectMixerLine(1));
-    EXPECT_EQ(saved("enum", "Input Source"), "1");
-    EXPECT_EQ(rec.SelectedMixerLine(), 1);
     EXPECT_EQ(rec.MixerLineType(1), LineMicrophone);
     EXPECT_EQ(rec.MixerLineType(2), LineLineIn);
-
-    EXPECT_EQ(rec.MixerLineVolumeRange().max, 63);
-    rec.MixerLineVolume(50);
-    EXPECT_EQ(saved("enum", "Capture Volume"), "50 50");
-    EXPECT_EQ(rec.MixerLineVolume(), 50);
 }
 
-TEST_F(MixerLinesTest, SoundServerShowsOneCaptureLine)
-{
-    WaveInRecorder rec;
-    selectLayout(rec, "server");
-    ASSERT_EQ(lineNames(rec), std::vector<std::string>{"Capture"});
-    EXPECT_EQ(rec.SelectedMixerLine(), 0);
-    EXPECT_EQ(saved("server", "Capture Switch"), "0 0");
-    ASSERT_TRUE(rec.SelectMixerLine(0)); // choosing it unmutes it
-    EXPECT_EQ(saved("server", "Capture Switch"), "1 1");
-    EXPECT_EQ(rec.MixerLineVolumeRange().max, 65536);
-    rec.MixerLineVolume(32768);
-    EXPECT_EQ(saved("server", "Capture Volume"), "32768 32768");
-    EXPECT_EQ(saved("server", "Master Playback Volume"), "65536 65536");
-}
-
-TEST(LineKinds, NamesAndCodes)
-{
-    EXPECT_EQ(lineKindFromName("Front Mic"), LineMicrophone);
-    EXPECT_EQ(lineKindFromName("Line"), LineLineIn);
-    EXPECT_EQ(lineKindFromName("Capture"), LineUndefined);
-    EXPECT_EQ(lineKindFromName("Stereo Mix"), LineWaveOut);
-    EXPECT_EQ(lineKindName(LineLineIn), "Line-In");
-    EXPECT_EQ(lineKindName(LinePCSpeaker), "PC Speaker");
+TEST(LineKinds, NamesMapToKinds) {
+    const std::pair<const char*, int> rows[] = {{"Front Mic", LineMicrophone},
+                                                {"Line", LineLineIn},
+                                                {"Capture", LineUndefined},
+                                                {"Stereo Mix", LineWaveOut}};
+    for (const auto& [name, kind] : rows)
+        EXPECT_EQ(lineKindFromName(name), kind) << name;
     EXPECT_EQ(lineKindName(12345), "Unknown");
 }
 

@@ -12,10 +12,10 @@ namespace {
 // it was given so the test can check nothing was lost or repeated.
 class BlockEncoder final : public Encoder {
 public:
-    explicit BlockEncoder(std::int32_t block) : m_block(block) {}
+    explicit BlockEncoder(std::int32_t block)
+        : m_block(block) {}
     std::int32_t Encoder_EncoderInit(std::int32_t, std::int16_t, const std::string&) override { return 0; }
-    std::int32_t Encoder_Encode(const void* data, std::int32_t bytes, std::int32_t& consumed) override
-    {
+    std::int32_t Encoder_Encode(const void* data, std::int32_t bytes, std::int32_t& consumed) override {
         if (failNext)
             return encoder_result::kWriteFailed;
         consumed = bytes / m_block * m_block;
@@ -35,8 +35,7 @@ private:
     std::int32_t m_block;
 };
 
-TEST(GaplessFeed, BlockFormatsGetEveryByteOnceAndInOrder)
-{
+TEST(GaplessFeed, BlockFormatsGetEveryByteOnceAndInOrder) {
     BlockEncoder encoder(4068); // an IMA ADPCM block's input at 44.1 kHz stereo
     GaplessFeed feed(encoder);
     std::vector<std::uint8_t> stream(10 * 10240);
@@ -48,8 +47,7 @@ TEST(GaplessFeed, BlockFormatsGetEveryByteOnceAndInOrder)
     EXPECT_TRUE(std::equal(encoder.written.begin(), encoder.written.end(), stream.begin()));
 }
 
-TEST(GaplessFeed, FailuresPassThroughAndResetForgetsTheRest)
-{
+TEST(GaplessFeed, FailuresPassThroughAndResetForgetsTheRest) {
     BlockEncoder encoder(1000);
     GaplessFeed feed(encoder);
     std::vector<std::uint8_t> block(1500, 7);

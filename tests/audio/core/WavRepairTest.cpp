@@ -1,10 +1,11 @@
 #include "audio/core/WavRepair.h"
 
-#include "TestFiles.h"
 #include "audio/core/EncoderWAV.h"
 #include "audio/core/WaveFormat.h"
+#include "support/ChildProcess.h"
+#include "support/MediaProbe.h"
+#include "support/WavFile.h"
 
-#include <cstring>
 #include <gtest/gtest.h>
 
 namespace mirabend::test {
@@ -18,88 +19,87 @@ std::vector<std::uint8_t> unfinished(std::size_t formatSize, std::size_t audioBy
     return data;
 }
 
-TEST(WavRepair, WritesTheHeaderOfAnUnfinishedPcmRecording) {
-    TempDir dir;
-    const std::string path = dir.file("textAudio");
-    const std::vector<std::uint8_t> original = unfinished(18, 8000);
-    writeFile(path, original);
-    EXPECT_TRUE(hasReservedHeader(path));
+TEST(WavRepair, WritesTheHeaderOfAnUnfinishedRecordingOnce) {
+    WaveFormatFields ima;
+    ima.formatTag = wave_tag::kImaAdpcm;
+    ima.channels = 1;
+    ima.samplesPerSec = 8000;
+    ima.avgBytesPerSec = 4055;
+    ima.blockAlign = 256;
+    ima.bitsPerSample = 4;
+    ima.extra = {0xF9, 0x01}; // 505 samples per block
+    const struct {
+        const char* what;
+        std::vector<std::uint8_t> image; // empty: the default PCM
+        std::size_t audioBytes;
+        int rate;
+        double seconds;
+    } rows[] = {
+        {"pcm", {}, 8000, 44100, 2000.0 / 44100},
+        {"ima adpcm, two silent blocks", formatImage(ima), 512, 8000, 2 * 505 / 8000.0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        TempFolder dir;
+        const std::string path = dir.file("textAudio");
+        const std::vector<std::uint8_t> image = row.image.empty() ? pcmFormatImage(44100, 2) : row.image;
+        const std::vector<std::uint8_t> original =
+            unfinished(image.size(), row.audioBytes, !row.image.empty());
+        writeFile(path, original);
+        EXPECT_TRUE(hasReservedHeader(path, image));
 
-    WavRepairOutcome outcome{};
-    const Failure<WavRepairError> f = repairWav(path, outcome);
-    ASSERT_FALSE(f) << f.detail;
-    EXPECT_EQ(outcome, WavRepairOutcome::Repaired);
-    EXPECT_FALSE(hasReservedHeader(path));
+        WavRepairOutcome outcome{};
+        const Failure<WavRepairError> f =
+            row.image.empty() ? repairWav(path, outcome) : repairWav(path, outcome, row.image);
+        ASSERT_FALSE(f) << f.detail;
+        EXPECT_EQ(outcome, WavRepairOutcome::Repaired);
+        EXPECT_FALSE(hasReservedHeader(path, image));
 
-    const std::vector<std::uint8_t> file = readFile(path);
-    ASSERT_EQ(file.size(), original.size());
-    EXPECT_EQ(std::memcmp(file.data(), "RIFF", 4), 0);
-    EXPECT_EQ(le32(file, 4), 8000u + 38);
-    EXPECT_EQ(le32(file, 16), 18u);
-    const std::vector<std::uint8_t> pcm = pcmFormatImage(44100, 2);
-    EXPECT_TRUE(std::equal(pcm.begin(), pcm.end(), file.begin() + 20));
-    EXPECT_EQ(le32(file, 42), 8000u);
-    EXPECT_TRUE(std::equal(original.begin() + 46, original.end(), file.begin() + 46)); // audio untouched
+        const WavFile wav = readWav(path);
+        ASSERT_EQ(wav.bytes.size(), original.size());
+        EXPECT_TRUE(wav.consistent());
+        EXPECT_TRUE(std::equal(image.begin(), image.end(), wav.bytes.begin() + 20));
+        EXPECT_TRUE(std::equal(original.begin() + long(28 + image.size()), original.end(),
+                               wav.bytes.begin() + long(28 + image.size()))); // audio untouched
+        const MediaInfo p = probe(path);
+        EXPECT_EQ(p.sampleRate, row.rate);
+        EXPECT_NEAR(p.audioSeconds, row.seconds, 1e-6);
 
-    const Probe p = probeFile(path);
-    EXPECT_TRUE(p.opened) << p.error;
-    EXPECT_EQ(p.decodedSamples, 2000);
-
-    // Running it again leaves the now complete file alone.
-    ASSERT_FALSE(repairWav(path, outcome));
-    EXPECT_EQ(outcome, WavRepairOutcome::AlreadyComplete);
-    EXPECT_EQ(readFile(path), file);
+        // Running it again leaves the now complete file alone.
+        ASSERT_FALSE(repairWav(path, outcome));
+        EXPECT_EQ(outcome, WavRepairOutcome::AlreadyComplete);
+        EXPECT_EQ(readFile(path), wav.bytes);
+    }
 }
 
-TEST(WavRepair, UsesTheGivenFormatForCompressedRecordings) {
-    TempDir dir;
-    const std::string path = dir.file("adpcm.wav");
-    WaveFormatFields f;
-    f.formatTag = wave_tag::kImaAdpcm;
-    f.channels = 1;
-    f.samplesPerSec = 8000;
-    f.avgBytesPerSec = 4055;
-    f.blockAlign = 256;
-    f.bitsPerSample = 4;
-    f.extra = {0xF9, 0x01}; // 505 samples per block
-    const std::vector<std::uint8_t> image = formatImage(f);
-    writeFile(path, unfinished(image.size(), 512, true)); // two silent blocks
-    EXPECT_TRUE(hasReservedHeader(path, image));
-
-    WavRepairOutcome outcome{};
-    ASSERT_FALSE(repairWav(path, outcome, image));
-    const std::vector<std::uint8_t> file = readFile(path);
-    EXPECT_EQ(le32(file, 16), 20u);
-    EXPECT_EQ(le32(file, 44), 512u);
-    const Probe p = probeFile(path);
-    EXPECT_TRUE(p.opened) << p.error;
-    EXPECT_TRUE(p.error.empty()) << p.error;
-    EXPECT_EQ(p.sampleRate, 8000);
-    EXPECT_EQ(p.decodedSamples, 2 * 505);
-}
-
-TEST(WavRepair, RefusesWhatItCannotRepair) {
-    TempDir dir;
-    WavRepairOutcome outcome{};
-    EXPECT_EQ(repairWav(dir.file("absent"), outcome).code, WavRepairError::OpenFailed);
-
-    writeFile(dir.file("short"), std::vector<std::uint8_t>(20, 0));
-    EXPECT_EQ(repairWav(dir.file("short"), outcome).code, WavRepairError::TooShort);
-
-    std::vector<std::uint8_t> text(100, 'a');
-    writeFile(dir.file("text"), text);
-    const Failure<WavRepairError> f = repairWav(dir.file("text"), outcome);
-    EXPECT_EQ(f.code, WavRepairError::NotReserved);
-    EXPECT_FALSE(f.detail.empty());
-    EXPECT_EQ(readFile(dir.file("text")), text); // untouched
-
-    const std::vector<std::uint8_t> broken = {1, 2, 3};
-    writeFile(dir.file("ok"), unfinished(18, 10));
-    EXPECT_EQ(repairWav(dir.file("ok"), outcome, broken).code, WavRepairError::BadFormat);
+TEST(WavRepair, RefusesWhatItCannotRepairAndLeavesItAlone) {
+    TempFolder dir;
+    const struct {
+        const char* name;
+        std::vector<std::uint8_t> content; // empty: no file at all
+        std::vector<std::uint8_t> image;
+        WavRepairError expected;
+    } rows[] = {
+        {"absent", {}, {}, WavRepairError::OpenFailed},
+        {"short", std::vector<std::uint8_t>(20, 0), {}, WavRepairError::TooShort},
+        {"text", std::vector<std::uint8_t>(100, 'a'), {}, WavRepairError::NotReserved},
+        {"badformat", unfinished(18, 10), {1, 2, 3}, WavRepairError::BadFormat},
+    };
+    for (const auto& row : rows) {
+        if (!row.content.empty())
+            writeFile(dir.file(row.name), row.content);
+        WavRepairOutcome outcome{};
+        const Failure<WavRepairError> f = row.image.empty()
+                                              ? repairWav(dir.file(row.name), outcome)
+                                              : repairWav(dir.file(row.name), outcome, row.image);
+        EXPECT_EQ(f.code, row.expected) << row.name;
+        EXPECT_FALSE(f.detail.empty()) << row.name;
+        EXPECT_EQ(readFile(dir.file(row.name)), row.content) << row.name;
+    }
 }
 
 TEST(WavRepair, RepairsWhatTheEncoderLeftOpen) {
-    TempDir dir;
+    TempFolder dir;
     const std::string path = dir.file("crash.wav");
     const std::vector<std::int16_t> tone = sine(440.0, 44100, 2, 2000);
     {
@@ -109,13 +109,14 @@ TEST(WavRepair, RepairsWhatTheEncoderLeftOpen) {
         ASSERT_EQ(enc.Encoder_Encode(tone.data(), static_cast<std::int32_t>(tone.size() * 2), used), 0);
         // The program dies here: keep a copy of the file as it is now.
         writeFile(dir.file("copy.wav"), readFile(path));
-    }
+    } // released without close: the destructor writes the header
     WavRepairOutcome outcome{};
     ASSERT_FALSE(repairWav(dir.file("copy.wav"), outcome));
     EXPECT_EQ(readFile(dir.file("copy.wav")), readFile(path)); // same as a clean close
 }
 
 int runCommand(std::vector<std::string> args) {
+    args.insert(args.begin(), {"mirabend", "--repair-wav"});
     std::vector<char*> argv;
     for (std::string& a : args)
         argv.push_back(a.data());
@@ -128,17 +129,17 @@ int runCommand(std::vector<std::string> args) {
 }
 
 TEST(WavRepair, CommandLine) {
-    TempDir dir;
+    TempFolder dir;
     const std::string path = dir.file("cli.wav");
     writeFile(path, unfinished(18, 400));
-    EXPECT_EQ(runCommand({"mirabend", "--repair-wav", path, "--rate", "abc"}), 2);
-    EXPECT_EQ(runCommand({"mirabend", "--repair-wav", path, "--channels", "3"}), 2);
-    EXPECT_EQ(runCommand({"mirabend", "--repair-wav"}), 2);
+    EXPECT_EQ(runCommand({path, "--rate", "abc"}), 2);
+    EXPECT_EQ(runCommand({path, "--channels", "3"}), 2);
+    EXPECT_EQ(runCommand({}), 2);
     EXPECT_TRUE(hasReservedHeader(path)); // nothing done on bad arguments
-    EXPECT_EQ(runCommand({"mirabend", "--repair-wav", path, "--rate", "8000", "--channels", "1"}), 0);
-    EXPECT_EQ(le32(readFile(path), 24), 8000u);
-    EXPECT_EQ(runCommand({"mirabend", "--repair-wav", path}), 0); // already complete
-    EXPECT_EQ(runCommand({"mirabend", "--repair-wav", dir.file("none")}), 1);
+    EXPECT_EQ(runCommand({path, "--rate", "8000", "--channels", "1"}), 0);
+    EXPECT_EQ(readWav(path).u32(24), 8000u);
+    EXPECT_EQ(runCommand({path}), 0); // already complete
+    EXPECT_EQ(runCommand({dir.file("none")}), 1);
 }
 
 } // namespace

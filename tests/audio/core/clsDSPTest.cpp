@@ -11,16 +11,6 @@
 namespace mirabend::test {
 namespace {
 
-void expectAudioError(const std::function<void()>& action, int number, const std::string& text) {
-    try {
-        action();
-        ADD_FAILURE() << "expected error " << number << " \"" << text << "\"";
-    } catch (const AudioError& e) {
-        EXPECT_EQ(e.number(), number);
-        EXPECT_STREQ(e.what(), text.c_str());
-    }
-}
-
 clsDSP prepared(int rate, short channels, int effects) {
     clsDSP dsp;
     dsp.samplerate(rate);
@@ -29,35 +19,44 @@ clsDSP prepared(int rate, short channels, int effects) {
     return dsp;
 }
 
-TEST(clsDSP, InvalidPropertiesRaise32000AndKeepThePreviousValue) {
+TEST(clsDSP, InvalidPropertiesRaiseTheirErrorsAndKeepThePreviousValue) {
     clsDSP dsp;
     dsp.samplerate(96000);
-    expectAudioError([&] { dsp.samplerate(96001); }, 32000, "invalid samplerate");
-    expectAudioError([&] { dsp.samplerate(0); }, 32000, "invalid samplerate");
-    EXPECT_EQ(dsp.samplerate(), 96000);
-
     dsp.Channels(2);
-    expectAudioError([&] { dsp.Channels(3); }, 32000, "invalid channels");
-    expectAudioError([&] { dsp.Channels(0); }, 32000, "invalid channels");
-    EXPECT_EQ(dsp.Channels(), 2);
-
     dsp.EqualizerBands(10);
-    expectAudioError([&] { dsp.EqualizerBands(11); }, 32000, "Out Of Bounds!");
-    expectAudioError([&] { dsp.EqualizerBands(0); }, 32000, "Out Of Bounds!");
+    const struct {
+        std::function<void()> set;
+        int number;
+        const char* text;
+    } rows[] = {
+        {[&] { dsp.samplerate(96001); }, 32000, "invalid samplerate"},
+        {[&] { dsp.samplerate(0); }, 32000, "invalid samplerate"},
+        {[&] { dsp.Channels(3); }, 32000, "invalid channels"},
+        {[&] { dsp.Channels(0); }, 32000, "invalid channels"},
+        {[&] { dsp.EqualizerBands(11); }, 32000, "Out Of Bounds!"},
+        {[&] { dsp.EqualizerBands(0); }, 32000, "Out Of Bounds!"},
+        {[&] { dsp.EqualizerBandGainDB(10, 3.0f); }, 9, "Subscript out of range"},
+    };
+    for (const auto& row : rows) {
+        try {
+            row.set();
+            ADD_FAILURE() << "expected error " << row.number << " \"" << row.text << "\"";
+        } catch (const AudioError& e) {
+            EXPECT_EQ(e.number(), row.number);
+            EXPECT_STREQ(e.what(), row.text);
+        }
+    }
+    EXPECT_EQ(dsp.samplerate(), 96000);
+    EXPECT_EQ(dsp.Channels(), 2);
     EXPECT_EQ(dsp.EqualizerBands(), 10);
-    expectAudioError([&] { dsp.EqualizerBandGainDB(10, 3.0f); }, 9, "Subscript out of range");
-
     dsp.EchoAmp(1.5f);
     EXPECT_FLOAT_EQ(dsp.EchoAmp(), 0.9f);
-}
 
-TEST(clsDSP, NothingChangesWithoutEffectsOrBeforeRateAndChannels) {
+    // Without effects, or before rate and channels, nothing changes.
     std::vector<std::int16_t> block = {1, -2, 30000, -30000, 0, 77};
     const std::vector<std::int16_t> original = block;
     clsDSP idle = prepared(44100, 2, 0);
     idle.ProcessSamples(block);
-    EXPECT_EQ(block, original);
-
     clsDSP unprepared;
     unprepared.EffectsUsed(15);
     unprepared.ProcessSamples(block);
@@ -123,28 +122,20 @@ TEST(clsDSP, EchoImpulseResponseDecaysByTheFactorEveryDelay) {
     EXPECT_EQ(s[10], 4000);
 }
 
-TEST(clsDSP, ChangingTheEchoDropsItsTail) {
-    clsDSP dsp = prepared(1000, 1, clsDSP::Echo);
-    dsp.EchoLength(10);
-    std::vector<std::int16_t> block(5, 0);
-    block[0] = 10000;
-    dsp.ProcessSamples(block);
-    dsp.EchoAmp(0.4f);
-    std::vector<std::int16_t> next(20, 0);
-    dsp.ProcessSamples(next);
-    EXPECT_EQ(next, std::vector<std::int16_t>(20, 0));
-}
-
-TEST(clsDSP, AmplifyRunsBeforeEcho) {
+TEST(clsDSP, AmplifyRunsBeforeEchoAndChangingTheEchoDropsItsTail) {
     // Amplified first, the impulse clips at 32767 and that is what echoes.
     clsDSP dsp = prepared(1000, 1, clsDSP::Amplify | clsDSP::Echo);
     dsp.AmplifyDB(6.0f);
     dsp.EchoLength(10);
-    std::vector<std::int16_t> block(11, 0);
+    std::vector<std::int16_t> block(15, 0);
     block[0] = 20000;
     dsp.ProcessSamples(block);
     EXPECT_EQ(block[0], 32767);
     EXPECT_EQ(block[10], std::lrintf(32767 * 0.4f));
+    dsp.EchoAmp(0.4f);
+    std::vector<std::int16_t> next(20, 0);
+    dsp.ProcessSamples(next);
+    EXPECT_EQ(next, std::vector<std::int16_t>(20, 0));
 }
 
 TEST(clsDSP, PhaserStagesAreAllPassWithTheDesignedPhase) {

@@ -26,55 +26,41 @@ std::vector<std::complex<double>> naiveDft(const std::vector<std::complex<double
     return out;
 }
 
-int errorNumber(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const AudioError& e) {
-        return e.number();
-    }
-    return 0;
-}
-
-TEST(clsFourier, SizeMustBeAPowerOfTwo) {
+TEST(clsFourier, BadSizesAndIndicesRaiseTheirErrors) {
     clsFourier f;
-    for (const int bad : {1, 0, 3, 1000, -2})
-        EXPECT_EQ(errorNumber([&] { f.NumberOfSamples(bad); }), 380) << bad;
-    try {
-        f.NumberOfSamples(3);
-    } catch (const AudioError& e) {
-        EXPECT_STREQ(e.what(), "Number of samples must be a positive value of the form 2 ^ n");
+    const struct {
+        const char* what;
+        std::function<void()> action;
+        int number; // 0: no error
+    } rows[] = {
+        {"index before a size", [&] { f.RealIn(1, 1.0); }, 381},
+        {"size 1", [&] { f.NumberOfSamples(1); }, 380},
+        {"size 0", [&] { f.NumberOfSamples(0); }, 380},
+        {"size 1000", [&] { f.NumberOfSamples(1000); }, 380},
+        {"size -2", [&] { f.NumberOfSamples(-2); }, 380},
+        {"size 8", [&] { f.NumberOfSamples(8); }, 0},
+        {"index 0", [&] { f.RealOut(0); }, 381},
+        {"index 9", [&] { f.RealOut(9); }, 381},
+        {"imaginary index 9", [&] { f.ImagIn(9, 0.0); }, 381},
+        {"magnitude index -1", [&] { f.MagnitudeOut(-1); }, 381},
+        {"index 8", [&] { f.RealOut(8); }, 0},
+    };
+    for (const auto& row : rows) {
+        std::string text;
+        int number = 0;
+        try {
+            row.action();
+        } catch (const AudioError& e) {
+            number = e.number();
+            text = e.what();
+        }
+        EXPECT_EQ(number, row.number) << row.what;
+        const char* expected = number == 380 ? "Number of samples must be a positive value of the form 2 ^ n"
+                               : number == 381 ? "Index out of range or number of samples unknown"
+                                               : "";
+        EXPECT_EQ(text, expected) << row.what;
     }
-    EXPECT_EQ(errorNumber([&] { f.NumberOfSamples(2); }), 0);
-    EXPECT_EQ(errorNumber([&] { f.NumberOfSamples(1024); }), 0);
-    EXPECT_EQ(f.NumberOfSamples(), 1024);
-}
-
-TEST(clsFourier, IndicesOutsideOneToNOrBeforeTheSizeRaise381) {
-    clsFourier f;
-    EXPECT_EQ(errorNumber([&] { f.RealIn(1, 1.0); }), 381);
-    EXPECT_EQ(errorNumber([&] { f.RealOut(1); }), 381);
-    f.NumberOfSamples(8);
-    EXPECT_EQ(errorNumber([&] { f.RealOut(0); }), 381);
-    EXPECT_EQ(errorNumber([&] { f.RealOut(9); }), 381);
-    EXPECT_EQ(errorNumber([&] { f.ImagIn(9, 0.0); }), 381);
-    EXPECT_EQ(errorNumber([&] { f.MagnitudeOut(-1); }), 381);
-    EXPECT_EQ(errorNumber([&] { f.RealOut(8); }), 0);
-    try {
-        f.RealOut(0);
-    } catch (const AudioError& e) {
-        EXPECT_STREQ(e.what(), "Index out of range or number of samples unknown");
-    }
-}
-
-TEST(clsFourier, ConstantInputWithoutWindowIsHalvedIntoTheFirstBin) {
-    clsFourier f;
-    f.NumberOfSamples(16);
-    for (int i = 1; i <= 16; ++i)
-        f.RealIn(i, 1.0);
-    EXPECT_NEAR(f.RealOut(1), 8.0, 1e-12);
-    for (int i = 2; i <= 16; ++i)
-        EXPECT_NEAR(f.MagnitudeOut(i), 0.0, 1e-12) << "bin " << i;
-    EXPECT_GE(f.Timing(), 0.0);
+    EXPECT_EQ(f.NumberOfSamples(), 8);
 }
 
 TEST(clsFourier, MatchesANaiveDftWithAndWithoutWindow) {
@@ -135,27 +121,15 @@ TEST(clsSmooth, AveragesWhatItHoldsAndRemembersTheLargestFullAverage) {
     s.SmoothAdd(5.0f);                       // ignored without a ring
     s.SmoothNew(5);
     EXPECT_FLOAT_EQ(s.SmoothGetMax(), 0.0f);
-    s.SmoothAdd(1.0f);
-    s.SmoothAdd(2.0f);
-    s.SmoothAdd(6.0f);
-    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 3.0f);
-    EXPECT_FLOAT_EQ(s.LargestAverage(), 0.0f); // not full yet
-
-    s.SmoothAdd(1.0f);
-    s.SmoothAdd(5.0f);
-    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 3.0f);
-    EXPECT_FLOAT_EQ(s.LargestAverage(), 3.0f);
-
-    // The sixth value replaces the first.
-    s.SmoothAdd(11.0f);
-    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 5.0f);
-    s.SmoothAdd(0.0f);
-    s.SmoothAdd(0.0f);
-    s.SmoothAdd(0.0f);
-    s.SmoothAdd(0.0f);
-    EXPECT_FLOAT_EQ(s.SmoothGetMax(), 2.2f);
-    EXPECT_FLOAT_EQ(s.LargestAverage(), 5.0f);
-
+    // Each value added, then the average held and the largest full one; the
+    // sixth value replaces the first.
+    const float steps[][3] = {{1, 1, 0},  {2, 1.5f, 0}, {6, 3, 0},    {1, 2.5f, 0}, {5, 3, 3},
+                              {11, 5, 5}, {0, 4.6f, 5}, {0, 3.4f, 5}, {0, 3.2f, 5}, {0, 2.2f, 5}};
+    for (const auto& [value, average, largest] : steps) {
+        s.SmoothAdd(value);
+        EXPECT_FLOAT_EQ(s.SmoothGetMax(), average) << "after " << value;
+        EXPECT_FLOAT_EQ(s.LargestAverage(), largest) << "after " << value;
+    }
     s.SmoothNew(2);
     EXPECT_FLOAT_EQ(s.LargestAverage(), 0.0f);
 }

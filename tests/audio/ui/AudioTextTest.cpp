@@ -5,16 +5,14 @@
 namespace mirabend {
 namespace {
 
-TEST(AudioText, ElapsedTimeIsMinutesAndTwoDigitSeconds)
-{
+TEST(AudioText, ElapsedTimeIsMinutesAndTwoDigitSeconds) {
     EXPECT_EQ(elapsedText(0), "0:00");
     EXPECT_EQ(elapsedText(999), "0:00");
     EXPECT_EQ(elapsedText(65432), "1:05");
     EXPECT_EQ(elapsedText(3600000), "60:00");
 }
 
-TEST(AudioText, SizesChangeUnitAtTheDesignedBorders)
-{
+TEST(AudioText, SizesChangeUnitAtTheDesignedBorders) {
     EXPECT_EQ(sizeText(0), "0 bytes");
     EXPECT_EQ(sizeText(1023), "1023 bytes");
     EXPECT_EQ(sizeText(1024), "1 KB");

@@ -4,8 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     const mirabend::CommandLineTool* const tools[] = {&mirabend::kRecordAudioTool, &mirabend::kRepairWavTool,
                                                       &mirabend::kAudioRecorderTool};
     for (const mirabend::CommandLineTool* tool : tools) {

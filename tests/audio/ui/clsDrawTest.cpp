@@ -1,6 +1,7 @@
 // The waveform and the 22-bar spectrum, checked on the pixels drawn.
-#include "audio/ui/PictureBox.h"
 #include "audio/ui/clsDraw.h"
+
+#include "audio/ui/PictureBox.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -8,18 +9,17 @@
 namespace mirabend {
 namespace {
 
-std::vector<std::int16_t> tone(int bin, double amplitude, std::size_t count = 1024)
-{
+std::vector<std::int16_t> tone(int bin, double amplitude, std::size_t count = 1024) {
     std::vector<std::int16_t> s(count);
     for (std::size_t n = 0; n < count; ++n)
-        s[n] = static_cast<std::int16_t>(std::lround(amplitude * std::sin(2 * M_PI * bin * double(n) / 1024.0)));
+        s[n] =
+            static_cast<std::int16_t>(std::lround(amplitude * std::sin(2 * M_PI * bin * double(n) / 1024.0)));
     return s;
 }
 
 class clsDrawTest : public ::testing::Test {
 protected:
-    clsDrawTest()
-    {
+    clsDrawTest() {
         picture.resize(96, 60);
         picture.Cls();
     }
@@ -27,8 +27,7 @@ protected:
     clsDraw draw;
 };
 
-TEST_F(clsDrawTest, BlocksShorterThanTheTransformChangeNothing)
-{
+TEST_F(clsDrawTest, BlocksShorterThanTheTransformChangeNothing) {
     const QImage before = picture.image().copy();
     draw.DrawFrequencies(tone(10, 32767, 512), picture);
     for (int b = 0; b < clsDraw::kBars; ++b)
@@ -36,8 +35,7 @@ TEST_F(clsDrawTest, BlocksShorterThanTheTransformChangeNothing)
     EXPECT_EQ(picture.image(), before);
 }
 
-TEST_F(clsDrawTest, FullScaleToneHoldsItsBarAndSilenceLetsItFall)
-{
+TEST_F(clsDrawTest, FullScaleToneHoldsItsBarAndSilenceLetsItFall) {
     const auto loud = tone(10, 32767); // bins 9..12 belong to bar 2
     for (int i = 0; i < 5; ++i) {
         draw.DrawFrequencies(loud, picture);
@@ -55,8 +53,7 @@ TEST_F(clsDrawTest, FullScaleToneHoldsItsBarAndSilenceLetsItFall)
     EXPECT_EQ(draw.barLevel(2), 0.0);
 }
 
-TEST_F(clsDrawTest, BarsSitAtAFixedPitchWithLevelColours)
-{
+TEST_F(clsDrawTest, BarsSitAtAFixedPitchWithLevelColours) {
     draw.DrawFrequencies(tone(10, 32767), picture);
     const QImage& img = picture.image();
     const int h = picture.scaleHeight();
@@ -72,8 +69,7 @@ TEST_F(clsDrawTest, BarsSitAtAFixedPitchWithLevelColours)
     EXPECT_EQ(clsDraw::barColour(0.0), QColor(255, 0, 50));
 }
 
-TEST_F(clsDrawTest, PositiveSamplesAreDrawnBelowTheCentreLine)
-{
+TEST_F(clsDrawTest, PositiveSamplesAreDrawnBelowTheCentreLine) {
     picture.resize(120, 60);
     const std::vector<std::int16_t> positive(2048, 16000);
     draw.DrawAmplitudes(positive, picture);

@@ -61,6 +61,16 @@ protected:
         return out;
     }
     static std::string driver() { return RECORD_SCREEN_DRIVER; }
+    // Records the top left w x h of the screen into `name` in `format`.
+    std::string configure(Screen2Video& r, const std::string& name, int format, int w = 320, int h = 240)
+    {
+        const std::string file = m_folder.file(name);
+        r.OutputFileName(QString::fromStdString(file));
+        r.OutputFormat(format);
+        r.FrameRate(10);
+        r.ZoomRectangle(0, 0, w, h);
+        return file;
+    }
 
     static test::PulseServer* s_pulse;
     test::TempFolder m_folder{"mirabend-rec"};
@@ -184,11 +194,7 @@ TEST_F(RecordingTest, CompressorSettingsReachTheWrittenStream)
 TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep)
 {
     Screen2Video r;
-    const std::string file = m_folder.file("paused.mkv");
-    r.OutputFileName(QString::fromStdString(file));
-    r.OutputFormat(5);
-    r.FrameRate(10);
-    r.ZoomRectangle(0, 0, 320, 240);
+    const std::string file = configure(r, "paused.mkv", 5);
     ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
     for (int i = 0; i < 3; ++i) {
         recordFor(r, 0.5 * (i + 1));
@@ -212,11 +218,7 @@ TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep)
 TEST_F(RecordingTest, OverlaysAreDrawnOntoTheRecordedFrames)
 {
     Screen2Video r;
-    const std::string file = m_folder.file("stamped.mkv");
-    r.OutputFileName(QString::fromStdString(file));
-    r.OutputFormat(5);
-    r.FrameRate(10);
-    r.ZoomRectangle(0, 0, 320, 240);
+    const std::string file = configure(r, "stamped.mkv", 5);
     r.AudioEnabled(false);
     r.TextColor(0xffffff);
     r.TextFontSize(36);
@@ -237,11 +239,8 @@ TEST_F(RecordingTest, AWarmUpOfOneTickStillClosesAValidFile)
     // starting it; hardware acceleration is not asked there, but asking for
     // it where there is none must fall back to software and say so.
     Screen2Video r;
-    const std::string file = m_folder.file("pretemp.mp4");
-    r.OutputFileName(QString::fromStdString(file));
-    r.OutputFormat(4);
+    const std::string file = configure(r, "pretemp.mp4", 4);
     r.HardwareAcceleration(true);
-    r.ZoomRectangle(0, 0, 320, 240);
     ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
     std::this_thread::sleep_for(50ms);
     r.StopCapture();
@@ -266,12 +265,8 @@ TEST_F(RecordingTest, AStopInTheBackgroundCompletesTheFileWhileTheNextRecordingR
     // The sine source delivers 2 s blocks: the sound up to a stop arrives
     // long after it.
     Screen2Video r;
-    const std::string first = m_folder.file("first.mkv");
+    const std::string first = configure(r, "first.mkv", 5);
     const std::string second = m_folder.file("second.mkv");
-    r.OutputFileName(QString::fromStdString(first));
-    r.OutputFormat(5);
-    r.FrameRate(10);
-    r.ZoomRectangle(0, 0, 320, 240);
     ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
     recordFor(r, 1.0);
     r.StopCaptureInBackground();
@@ -393,11 +388,7 @@ TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows)
     ASSERT_TRUE(server->ok());
     Screen2Video r;
     ASSERT_GT(r.AudioDevices().Count(), 0);
-    const std::string file = m_folder.file("lost.mkv");
-    r.OutputFileName(QString::fromStdString(file));
-    r.OutputFormat(5);
-    r.FrameRate(10);
-    r.ZoomRectangle(0, 0, 320, 240);
+    const std::string file = configure(r, "lost.mkv", 5);
     ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
     recordFor(r, 0.8);
     server.reset();
@@ -514,10 +505,7 @@ TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm)
                                m_folder.file("term.log")));
     std::this_thread::sleep_for(2s);
     kill(recorder.pid(), SIGTERM);
-    int status = 0;
-    for (int i = 0; i < 500 && waitpid(recorder.pid(), &status, WNOHANG) == 0; ++i)
-        std::this_thread::sleep_for(10ms);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(recorder.wait(20000), 0);
     const test::MediaInfo info = probe(file);
     ASSERT_TRUE(info.opened);
     EXPECT_EQ(info.videoCodec, "msvideo1");
@@ -528,9 +516,7 @@ TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm)
     // the sound server's sources with their pins.
     test::ChildProcess lister;
     ASSERT_TRUE(lister.start({driver(), "--list-devices", "--list-codecs"}, {}, m_folder.file("list.log")));
-    for (int i = 0; i < 500 && waitpid(lister.pid(), &status, WNOHANG) == 0; ++i)
-        std::this_thread::sleep_for(10ms);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(lister.wait(20000), 0);
     std::ifstream listing(m_folder.file("list.log"));
     const std::string text((std::istreambuf_iterator<char>(listing)), std::istreambuf_iterator<char>());
     for (const char* expected : {"Microsoft Video 1", "Windows Media Video 8", "Sorenson Spark", "PCM",
@@ -542,9 +528,7 @@ TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm)
     ASSERT_TRUE(
         refused.start({driver(), "--record-screen", m_folder.file("x.flv"), "--video-bitrate", "lots"}, {},
                       m_folder.file("refused.log")));
-    for (int i = 0; i < 500 && waitpid(refused.pid(), &status, WNOHANG) == 0; ++i)
-        std::this_thread::sleep_for(10ms);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) != 0);
+    EXPECT_GT(refused.wait(20000), 0);
 }
 
 } // namespace

@@ -34,6 +34,16 @@ inline Ink inkOf(const QImage& frame, QColor background) {
     return ink;
 }
 
+// How many pixels inside `core` differ from what `expected(x, y)` says.
+template <typename Expected>
+int mismatches(const QImage& frame, const QRect& core, Expected expected) {
+    int wrong = 0;
+    for (int y = core.top(); y <= core.bottom(); ++y)
+        for (int x = core.left(); x <= core.right(); ++x)
+            wrong += frame.pixel(x, y) != expected(x, y) ? 1 : 0;
+    return wrong;
+}
+
 inline const QDateTime& fixedTime() {
     static const QDateTime time(QDate(2026, 3, 4), QTime(17, 8, 9));
     return time;

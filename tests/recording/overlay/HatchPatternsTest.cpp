@@ -109,11 +109,6 @@ TEST(HatchPatterns, DiagonalsSlantTheWayTheirNamesSay) {
     }
 }
 
-TEST(HatchPatterns, CrossesAreBothTheirLines) {
-    EXPECT_EQ(cellOf("Cross"), unite(cellOf("Horizontal"), cellOf("Vertical")));
-    EXPECT_EQ(cellOf("DiagonalCross"), unite(cellOf("ForwardDiagonal"), cellOf("BackwardDiagonal")));
-}
-
 TEST(HatchPatterns, PercentPatternsHoldTheirShareOfPixelsAndGrowNested) {
     const int percents[] = {5, 10, 20, 25, 30, 40, 50, 60, 70, 75, 80, 90};
     HatchCell previous{};
@@ -134,24 +129,18 @@ TEST(HatchPatterns, PercentPatternsHoldTheirShareOfPixelsAndGrowNested) {
             EXPECT_NE(bit(half, x, y), bit(half, x + 1, y));
 }
 
-TEST(HatchPatterns, CheckerboardsAndGridsHaveTheirSquareSizes) {
-    auto isChecker = [](const HatchCell& cell, int square) {
+TEST(HatchPatterns, CompositePatternsAreMadeOfTheirParts) {
+    EXPECT_EQ(cellOf("Cross"), unite(cellOf("Horizontal"), cellOf("Vertical")));
+    EXPECT_EQ(cellOf("DiagonalCross"), unite(cellOf("ForwardDiagonal"), cellOf("BackwardDiagonal")));
+    for (const auto& [name, square] : {std::pair{"SmallCheckerBoard", 2}, std::pair{"LargeCheckerBoard", 4}})
         for (int y = 0; y < 8; ++y)
             for (int x = 0; x < 8; ++x)
-                if (bit(cell, x, y) != (((x / square) + (y / square)) % 2 == 0))
-                    return false;
-        return true;
-    };
-    EXPECT_TRUE(isChecker(cellOf("SmallCheckerBoard"), 2));
-    EXPECT_TRUE(isChecker(cellOf("LargeCheckerBoard"), 4));
-
+                ASSERT_EQ(bit(cellOf(name), x, y), ((x / square) + (y / square)) % 2 == 0) << name;
     const HatchCell grid = cellOf("SmallGrid");
     EXPECT_EQ(setRows(grid), 2);
     EXPECT_EQ(setColumns(grid), 2);
     EXPECT_TRUE(invariantUnder(grid, 4, 4));
-}
-
-TEST(HatchPatterns, DashedDiagonalsArePiecesOfTheLightDiagonals) {
+    // Dashed diagonals are pieces of the light ones.
     for (const char* direction : {"Downward", "Upward"}) {
         const HatchCell dashed = cellOf((std::string("Dashed") + direction + "Diagonal").c_str());
         const HatchCell light = cellOf((std::string("Light") + direction + "Diagonal").c_str());

@@ -19,18 +19,7 @@ QRect inside(const Ink& ink) {
     return ink.box.adjusted(3, 3, -3, -3);
 }
 
-TEST(OverlayText, NothingShownLeavesTheFrameAlone) {
-    OverlaySettings s = textSettings("Hello", 10, 10);
-    s.showText = false;
-    OverlayPainter painter;
-    EXPECT_TRUE(painter.apply(s).ok());
-    EXPECT_FALSE(painter.active());
-    QImage frame = blankFrame(kBlue);
-    painter.paint(frame, fixedTime());
-    EXPECT_EQ(inkOf(frame, kBlue).count, 0);
-}
-
-TEST(OverlayText, TextLandsAtItsPositionAndMovesWithIt) {
+TEST(OverlayText, TextLandsAtItsPositionInItsColourAndOnlyWhenShown) {
     const Ink at = inkOf(paintedWith(textSettings("Hello", 100, 50), kBlue), kBlue);
     ASSERT_GT(at.count, 50);
     // The glyphs start right of and below the line box's corner, within a
@@ -39,10 +28,21 @@ TEST(OverlayText, TextLandsAtItsPositionAndMovesWithIt) {
     EXPECT_LE(at.box.left(), 104);
     EXPECT_GE(at.box.top(), 50);
     EXPECT_LE(at.box.top(), 50 + 12);
-
     const Ink moved = inkOf(paintedWith(textSettings("Hello", 130, 70), kBlue), kBlue);
     EXPECT_EQ(moved.box, at.box.translated(30, 20));
     EXPECT_EQ(moved.count, at.count);
+
+    const QImage block = paintedWith(textSettings(kBlock, 40, 40), kBlue);
+    EXPECT_EQ(block.pixel(inside(inkOf(block, kBlue)).center()), qRgb(255, 0, 0));
+
+    OverlaySettings hidden = textSettings("Hello", 10, 10);
+    hidden.showText = false;
+    OverlayPainter painter;
+    EXPECT_TRUE(painter.apply(hidden).ok());
+    EXPECT_FALSE(painter.active());
+    QImage frame = blankFrame(kBlue);
+    painter.paint(frame, fixedTime());
+    EXPECT_EQ(inkOf(frame, kBlue).count, 0);
 }
 
 TEST(OverlayText, SecondLineSitsOneLineBelowTheFirst) {
@@ -54,13 +54,6 @@ TEST(OverlayText, SecondLineSitsOneLineBelowTheFirst) {
     EXPECT_NEAR(two.box.bottom() - one.box.bottom(), lineSpacing, 1);
     // Antialiased edges may differ by a few pixels between the two lines.
     EXPECT_NEAR(two.count, 2 * one.count, one.count / 10);
-}
-
-TEST(OverlayText, NormalStyleFillsWithTheTextColour) {
-    const QImage frame = paintedWith(textSettings(kBlock, 40, 40), kBlue);
-    const QRect core = inside(inkOf(frame, kBlue));
-    ASSERT_TRUE(core.isValid());
-    EXPECT_EQ(frame.pixel(core.center()), qRgb(255, 0, 0));
 }
 
 TEST(OverlayText, OutlineStylesStrokeTheEdgeAndFillOnlyWhenAsked) {
@@ -104,11 +97,10 @@ TEST(OverlayText, HatchPatternIsAnchoredAtTheFrameOrigin) {
         ASSERT_GT(core.width(), 16);
         ASSERT_GT(core.height(), 16);
         const HatchCell cell = hatchCell(index);
-        int wrong = 0;
-        for (int y = core.top(); y <= core.bottom(); ++y)
-            for (int x = core.left(); x <= core.right(); ++x)
-                wrong += frame.pixel(x, y) != (hatchBit(cell, x, y) ? fore : back).rgb() ? 1 : 0;
-        EXPECT_EQ(wrong, 0) << overlayHatchStyleNames().at(index).toStdString();
+        EXPECT_EQ(
+            mismatches(frame, core, [&](int x, int y) { return (hatchBit(cell, x, y) ? fore : back).rgb(); }),
+            0)
+            << overlayHatchStyleNames().at(index).toStdString();
     }
 }
 
@@ -183,7 +175,7 @@ TEST(OverlayText, MissingFontsFallBackToAnInstalledFamilyOfTheSameKind) {
     EXPECT_NE(report.textFontFamily, report.dateFontFamily) << "serif and sans serif must stay apart";
 }
 
-TEST(OverlayDateStamp, StampShowsTheFormattedTimeWithItsFontAndColour) {
+TEST(OverlayDateStamp, StampIsTheFormattedTimeAsTextAndFollowsClockAndSettings) {
     OverlaySettings date;
     date.showDateTime = true;
     date.dateFormat = 4;
@@ -193,39 +185,28 @@ TEST(OverlayDateStamp, StampShowsTheFormattedTimeWithItsFontAndColour) {
     date.dateFontName = QStringLiteral("DejaVu Sans");
     date.dateFontSize = 16;
     date.dateFontStyle = static_cast<int>(OverlayFontStyle::Bold);
-
     // The same string drawn as plain text must give the same pixels.
     OverlaySettings text = textSettings(QStringLiteral("17:08:09"), 12, 140);
     text.textColor = date.dateColor;
     text.textFontSize = 16;
     text.textFontStyle = date.dateFontStyle;
+    const QImage first = paintedWith(date, kBlue);
+    EXPECT_GT(inkOf(first, kBlue).count, 50);
+    EXPECT_EQ(first, paintedWith(text, kBlue));
 
-    const QImage stamped = paintedWith(date, kBlue);
-    EXPECT_GT(inkOf(stamped, kBlue).count, 50);
-    EXPECT_EQ(stamped, paintedWith(text, kBlue));
-}
-
-TEST(OverlayDateStamp, StampFollowsTheClockAndTheSettings) {
-    OverlaySettings s;
-    s.showDateTime = true;
-    s.dateFormat = 4;
-    s.dateFontName = QStringLiteral("DejaVu Sans");
     OverlayPainter painter;
-    painter.apply(s);
-
+    painter.apply(date);
     auto paintAt = [&painter](const QDateTime& time) {
         QImage frame = blankFrame(kBlue);
         painter.paint(frame, time);
         return frame;
     };
-    const QImage first = paintAt(fixedTime());
     EXPECT_EQ(paintAt(fixedTime()), first);
     EXPECT_NE(paintAt(fixedTime().addSecs(1)), first);
-
     // New settings are in force for the very next frame, even within the
     // same second.
-    s.dateLeft = 50;
-    painter.apply(s);
+    date.dateLeft = 62;
+    painter.apply(date);
     EXPECT_EQ(inkOf(paintAt(fixedTime()), kBlue).box, inkOf(first, kBlue).box.translated(50, 0));
 }
 

@@ -1,10 +1,10 @@
 #include "SoundSandbox.h"
 
 #include <alsa/asoundlib.h>
-#include <csignal>
 #include <array>
-#include <chrono>
 #include <cerrno>
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
@@ -16,13 +16,11 @@
 namespace mirabend::test {
 namespace {
 
-void writeFile(const std::string& path, const std::string& text)
-{
+void writeFile(const std::string& path, const std::string& text) {
     std::ofstream(path) << text;
 }
 
-std::string asoundrc(const std::string& plugin, const SoundSandbox& box)
-{
+std::string asoundrc(const std::string& plugin, const SoundSandbox& box) {
     if (plugin.empty())
         return {};
     std::string rc = "ctl_type.mixtest { lib \"" + plugin + "\" }\n";
@@ -46,8 +44,8 @@ std::string asoundrc(const std::string& plugin, const SoundSandbox& box)
 
 } // namespace
 
-SoundSandbox::SoundSandbox(const std::string& mixerPlugin) : m_folder("mirabend-sound")
-{
+SoundSandbox::SoundSandbox(const std::string& mixerPlugin)
+    : m_folder("mirabend-sound") {
     const std::string run = m_folder.file("run");
     mkdir(run.c_str(), 0700);
     mkdir((run + "/pulse").c_str(), 0700);
@@ -72,8 +70,7 @@ SoundSandbox::SoundSandbox(const std::string& mixerPlugin) : m_folder("mirabend-
     snd_config_update_free_global();
 }
 
-SoundSandbox::~SoundSandbox()
-{
+SoundSandbox::~SoundSandbox() {
     stopPulse();
     for (const auto& [name, value] : m_savedEnv) {
         if (value == "\x01")
@@ -84,16 +81,20 @@ SoundSandbox::~SoundSandbox()
     snd_config_update_free_global();
 }
 
-bool SoundSandbox::startPulse(std::string* error)
-{
+bool SoundSandbox::startPulse(std::string* error) {
     if (!haveProgram("pulseaudio") || !haveProgram("pactl")) {
         *error = "pulseaudio or pactl is not installed";
         return false;
     }
-    const std::vector<std::string> argv = {"pulseaudio", "--daemonize=no", "--exit-idle-time=-1", "-n",
-                                           "--disable-shm=yes", "-L",
+    const std::vector<std::string> argv = {"pulseaudio",
+                                           "--daemonize=no",
+                                           "--exit-idle-time=-1",
+                                           "-n",
+                                           "--disable-shm=yes",
+                                           "-L",
                                            "module-native-protocol-unix auth-anonymous=1",
-                                           "-L", "module-null-sink sink_name=rec"};
+                                           "-L",
+                                           "module-null-sink sink_name=rec"};
     if (!m_pulse.start(argv, {}, m_folder.file("pulse.log"))) {
         *error = "pulseaudio did not start";
         return false;
@@ -116,42 +117,28 @@ bool SoundSandbox::startPulse(std::string* error)
     return false;
 }
 
-void SoundSandbox::stopPulse()
-{
+void SoundSandbox::stopPulse() {
     m_pulse.stop();
 }
 
-void SoundSandbox::killPulse()
-{
+void SoundSandbox::killPulse() {
     if (m_pulse.pid() > 0)
         kill(m_pulse.pid(), SIGKILL);
     m_pulse.stop(100);
 }
 
-std::string SoundSandbox::pactl(const std::string& args, bool* ok) const
-{
-    const std::string command = "pactl " + args + " 2>&1";
-    std::string out;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) {
-        if (ok)
-            *ok = false;
-        return out;
-    }
-    char buffer[512];
-    while (fgets(buffer, sizeof buffer, pipe))
-        out += buffer;
-    const int status = pclose(pipe);
+std::string SoundSandbox::pactl(const std::string& args, bool* ok) const {
+    int code = -1;
+    std::string out = runShell("pactl " + args + " 2>&1", &code);
     if (ok)
-        *ok = status == 0;
+        *ok = code == 0;
     return out;
 }
 
 RampSource::RampSource(SoundSandbox& sandbox, unsigned rate, unsigned channels)
     : m_sandbox(sandbox)
     , m_rate(rate)
-    , m_channels(channels)
-{
+    , m_channels(channels) {
     // A killed server leaves the writer without a reader; that must end the
     // writer, not the test.
     signal(SIGPIPE, SIG_IGN);
@@ -177,8 +164,7 @@ RampSource::RampSource(SoundSandbox& sandbox, unsigned rate, unsigned channels)
     m_writer = std::thread([this] { feed(); });
 }
 
-RampSource::~RampSource()
-{
+RampSource::~RampSource() {
     m_stop = true;
     if (m_writer.joinable())
         m_writer.join();
@@ -191,8 +177,7 @@ RampSource::~RampSource()
 // Written at the source's own pace, a little ahead of the clock, as a
 // microphone would deliver it: a pipe source passes on whatever it reads at
 // once, and an unpaced writer would flood every client.
-void RampSource::feed()
-{
+void RampSource::feed() {
     std::vector<std::int16_t> chunk(1024 * m_channels);
     std::uint64_t frame = 0;
     const auto start = std::chrono::steady_clock::now();
@@ -203,7 +188,7 @@ void RampSource::feed()
         for (std::size_t i = 0; i < 1024; ++i, ++frame) {
             chunk[i * m_channels] = rampLeft(frame);
             if (m_channels == 2)
-                chunk[i * m_channels + 1] = rampRight(frame);
+                chunk[i * m_channels + 1] = static_cast<std::int16_t>(-rampLeft(frame));
         }
         const auto* bytes = reinterpret_cast<const char*>(chunk.data());
         std::size_t left = chunk.size() * sizeof(std::int16_t);
@@ -219,6 +204,36 @@ void RampSource::feed()
             left -= static_cast<std::size_t>(n);
         }
     }
+}
+
+std::string SoundSandbox::saved(const std::string& layout, const std::string& control) const {
+    std::ifstream in(stateFile(layout));
+    std::string line;
+    while (std::getline(in, line)) {
+        if (line.rfind(control + "|", 0) == 0)
+            return line.substr(control.size() + 1);
+    }
+    return "<missing>";
+}
+
+::testing::AssertionResult isRamp(const std::vector<std::int16_t>& s, unsigned channels,
+                                  std::size_t minFrames) {
+    const std::size_t frames = s.size() / channels;
+    std::size_t start = 0;
+    while (start < frames && s[start * channels] == 0)
+        ++start;
+    if (start + minFrames > frames)
+        return ::testing::AssertionFailure() << "only " << frames - start << " ramp frames arrived";
+    for (std::size_t f = start; f < frames; ++f) {
+        const std::int16_t left = s[f * channels];
+        if (channels == 2 && s[f * 2 + 1] != -left)
+            return ::testing::AssertionFailure() << "channels swapped or mixed at frame " << f;
+        const std::int16_t before = f > start ? s[(f - 1) * channels] : std::int16_t(left - 1);
+        if (left != (before == 30000 ? 1 : before + 1))
+            return ::testing::AssertionFailure()
+                   << "gap or repeat at frame " << f << ": " << before << " -> " << left;
+    }
+    return ::testing::AssertionSuccess();
 }
 
 } // namespace mirabend::test

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <gtest/gtest.h>
 #include <memory>
 #include <string>
 #include <thread>
@@ -39,6 +40,9 @@ public:
 
     const std::string& home() const { return m_folder.path(); }
     std::string stateFile(const std::string& layout) const { return m_folder.file(layout + ".state"); }
+    // The value the mixer test plugin saved for one control ("v0 v1" or
+    // "v0"): what reached the "card", not what the engine remembers.
+    std::string saved(const std::string& layout, const std::string& control) const;
 
 private:
     TempFolder m_folder;
@@ -48,8 +52,15 @@ private:
 
 // Frame k of the ramp: left runs 1, 2, ..., 30000, 1, 2, ...; right is the
 // negated left, so a swap of the channels shows at once.
-inline std::int16_t rampLeft(std::uint64_t k) { return static_cast<std::int16_t>(k % 30000 + 1); }
-inline std::int16_t rampRight(std::uint64_t k) { return static_cast<std::int16_t>(-rampLeft(k)); }
+inline std::int16_t rampLeft(std::uint64_t k) {
+    return static_cast<std::int16_t>(k % 30000 + 1);
+}
+
+// Success when interleaved `samples` are the ramp without gap, repeat or
+// mixed channels from the first sounding frame on (a pipe source plays
+// silence before its first data), over at least `minFrames` frames.
+::testing::AssertionResult isRamp(const std::vector<std::int16_t>& samples, unsigned channels,
+                                  std::size_t minFrames);
 
 // A module-pipe-source called "ramp", made the default source and fed with
 // the ramp by a writer thread. Loaded fresh for each test, since a pipe keeps
@@ -72,6 +83,23 @@ private:
     std::string m_error;
     std::atomic<bool> m_stop{false};
     std::thread m_writer;
+};
+
+// A test with its own PulseAudio server whose default source plays the
+// ramp; skipped where PulseAudio is not installed.
+class RampTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string error;
+        if (!sandbox.startPulse(&error))
+            GTEST_SKIP() << error;
+        ramp = std::make_unique<RampSource>(sandbox);
+        ASSERT_TRUE(ramp->ok()) << ramp->error();
+    }
+    std::string file(const std::string& name) const { return sandbox.home() + "/" + name; }
+
+    SoundSandbox sandbox;
+    std::unique_ptr<RampSource> ramp;
 };
 
 } // namespace mirabend::test
