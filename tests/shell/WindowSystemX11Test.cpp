@@ -1,17 +1,20 @@
 // The X11 backend against a real X server (a private Xvfb).
 // gtest and Qt come first: Xlib's macros (None, Bool, Status) clash with them.
-#include "util/WindowStyle.h"
-#include "util/X11WindowSystem.h"
-
+// clang-format off
+#include <gtest/gtest.h>
 #include <QApplication>
 #include <QTest>
 #include <QWidget>
+#include <algorithm>
+#include <vector>
+
+#include "util/WindowStyle.h"
+#include "util/X11WindowSystem.h"
+
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
-#include <algorithm>
-#include <gtest/gtest.h>
-#include <vector>
+// clang-format on
 
 namespace mirabend::test {
 namespace {
