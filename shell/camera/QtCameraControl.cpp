@@ -1,5 +1,7 @@
 #include "shell/camera/QtCameraControl.h"
 
+#include <algorithm>
+
 #include "shell/camera/CameraNames.h"
 
 #include <QCameraFormat>
@@ -158,6 +160,9 @@ void QtCameraControl::startCamera() {
     ++m_cameraStarts;
     m_frameSinceStart = false;
     m_camera.start();
+    // A busy machine can take longer than a camera's usual start: each retry
+    // waits twice as long as the one before.
+    m_startWatch.setInterval(kSilentStartMs << std::min(m_silentStarts, 3));
     m_startWatch.start();
 }
 

@@ -33,8 +33,8 @@ namespace mirabend {
 class QtCameraControl final : public CameraControl {
     Q_OBJECT
 public:
-    static constexpr int kSilentStartMs = 3000;
-    static constexpr int kSilentStartRetries = 3;
+    static constexpr int kSilentStartMs = 2000;
+    static constexpr int kSilentStartRetries = 5;
     explicit QtCameraControl(AnalogueInputOpener openAnalogue, QObject* parent = nullptr);
     ~QtCameraControl() override;
 

@@ -47,7 +47,7 @@ private:
 };
 
 // Runs the event loop until `done` holds or `ms` pass; returns `done()`.
-inline bool waitFor(const std::function<bool()>& done, int ms = 20000) {
+inline bool waitFor(const std::function<bool()>& done, int ms = 40000) {
     QElapsedTimer timer;
     timer.start();
     while (!done() && timer.elapsed() < ms) {
