@@ -202,22 +202,17 @@ TEST_F(OptionsWindow, ZoomInHandsTheFieldsAndZoomOutTheWholeScreen) {
     EXPECT_EQ(prompts.messages[0].title, "Mirabend 1.0");
 }
 
-TEST_F(OptionsWindow, AccelerationButtonSaysSoWhenTheHelperIsMissing) {
+TEST_F(OptionsWindow, AccelerationButtonStartsTheHelperMinimisedOrSaysItIsMissing) {
     qputenv("MIRABEND_DATA_DIR", "/nonexistent-mirabend-folder");
     form->devices().Command3->click();
     ASSERT_EQ(prompts.messages.size(), 1);
     EXPECT_TRUE(prompts.messages[0].text.contains("mirabend-hwaccel"));
-    qunsetenv("MIRABEND_DATA_DIR");
-}
 
-TEST_F(OptionsWindow, AccelerationButtonStartsTheHelperMinimisedWithoutWaiting) {
+    prompts.messages.clear();
     TempFolder folder("mirabend-hwaccel");
     const std::string marker = folder.file("started");
     const std::string helper = folder.file("mirabend-hwaccel");
-    {
-        std::ofstream script(helper);
-        script << "#!/bin/sh\necho \"$@\" > '" << marker << "'\n";
-    }
+    std::ofstream(helper) << "#!/bin/sh\necho \"$@\" > '" << marker << "'\n";
     ::chmod(helper.c_str(), 0755);
     qputenv("MIRABEND_DATA_DIR", QByteArray::fromStdString(folder.path()));
     form->devices().Command3->click();
