@@ -401,26 +401,6 @@ TEST_F(RecordingTest, ABadOptionValueIsNamedOnOneLineAndRecordsNothing) {
     EXPECT_NE(access(out.c_str(), F_OK), 0) << "nothing is recorded";
 }
 
-TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled) {
-    for (const char* extension : {"mp4", "mkv"}) {
-        SCOPED_TRACE(extension);
-        const std::string file = m_folder.file(std::string("killed.") + extension);
-        test::ChildProcess recorder;
-        ASSERT_TRUE(recorder.start(
-            {driver(), "--record-screen", file, "--seconds", "30", "--region", "0,0,320,240", "--fps", "10"},
-            {"XDG_STATE_HOME=" + m_folder.path()}));
-        // Killed once two seconds are on disk, however slowly the recorder got going.
-        for (int waited = 0; waited < 300 && probe(file).videoSeconds < 2.0; ++waited)
-            std::this_thread::sleep_for(100ms);
-        kill(recorder.pid(), SIGKILL);
-        recorder.stop();
-        const test::MediaInfo info = probe(file);
-        ASSERT_TRUE(info.opened);
-        EXPECT_EQ(info.videoCodec, "h264");
-        EXPECT_GE(info.videoSeconds, 1.0) << "plays up to its last second or two";
-    }
-}
-
 TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm) {
     const std::string file = m_folder.file("term.avi");
     test::ChildProcess recorder;
