@@ -156,7 +156,6 @@ TEST(DamageCaptureTest, WithoutTheExtensionOrWhenToldTheWholePictureIsGrabbed) {
         const char* backend;
     };
     const Case cases[] = {
-        {"normal display", {}, nullptr, "damage"},
         {"no DAMAGE extension", {"-extension", "DAMAGE"}, nullptr, "x11grab"},
         {"MIRABEND_CAPTURE=x11grab", {}, "x11grab", "x11grab"},
     };

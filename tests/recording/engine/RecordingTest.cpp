@@ -1,9 +1,9 @@
 // Real recordings of a private Xvfb screen with sound from a private
 // PulseAudio server, read back with libavformat.
-#include "support/MediaProbe.h"
-#include "support/PulseServer.h"
 #include "recording/engine/Screen2Video.h"
 #include "support/ChildProcess.h"
+#include "support/MediaProbe.h"
+#include "support/PulseServer.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -14,12 +14,9 @@ extern "C" {
 #include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <cstring>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <sys/mount.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <utility>
@@ -34,25 +31,21 @@ using test::probe;
 class RecordingTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() { s_pulse = new test::PulseServer; }
-    static void TearDownTestSuite()
-    {
+    static void TearDownTestSuite() {
         delete s_pulse;
         s_pulse = nullptr;
     }
-    void SetUp() override
-    {
+    void SetUp() override {
         ASSERT_TRUE(s_pulse->ok()) << "PulseAudio could not be started";
         ASSERT_FALSE(m_folder.path().empty());
     }
 
     // Records for `seconds` of recording time (pauses not counted).
-    static void recordFor(Screen2Video& r, double seconds)
-    {
+    static void recordFor(Screen2Video& r, double seconds) {
         while (r.IsCapturing() && r.Counters().secondsRecorded < seconds)
             std::this_thread::sleep_for(20ms);
     }
-    static std::vector<RecorderFailure> failuresOf(Screen2Video& r, RecorderError code)
-    {
+    static std::vector<RecorderFailure> failuresOf(Screen2Video& r, RecorderError code) {
         std::vector<RecorderFailure> out;
         for (const RecorderFailure& f : r.TakeFailures()) {
             if (f.code == code)
@@ -62,8 +55,7 @@ protected:
     }
     static std::string driver() { return RECORD_SCREEN_DRIVER; }
     // Records the top left w x h of the screen into `name` in `format`.
-    std::string configure(Screen2Video& r, const std::string& name, int format, int w = 320, int h = 240)
-    {
+    std::string configure(Screen2Video& r, const std::string& name, int format, int w = 320, int h = 240) {
         const std::string file = m_folder.file(name);
         r.OutputFileName(QString::fromStdString(file));
         r.OutputFormat(format);
@@ -87,8 +79,7 @@ struct FormatCase {
     int height;
 };
 
-TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound)
-{
+TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound) {
     const FormatCase cases[] = {
         {0, "avi", "msvideo1", "pcm_s16le", 320, 240},
         {1, "wmv", "wmv2", "wmav2", 0, 0},
@@ -100,11 +91,8 @@ TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound)
     for (const FormatCase& c : cases) {
         SCOPED_TRACE(c.extension);
         Screen2Video r;
-        const std::string file = m_folder.file(std::string("out.") + c.extension);
-        r.OutputFileName(QString::fromStdString(file));
-        r.OutputFormat(c.format);
+        const std::string file = configure(r, std::string("out.") + c.extension, c.format, 400, 300);
         r.FrameRate(12);
-        r.ZoomRectangle(0, 0, 400, 300);
         r.AviWidth(c.width);
         r.AviHeight(c.height);
         r.SwfWidth(c.width);
@@ -130,8 +118,7 @@ TEST_F(RecordingTest, EveryFormatReadsBackWithItsCodecsSizeFramesAndSound)
 }
 
 // Key pictures among a file's video packets, and the whole file's bytes.
-std::pair<int, std::string> keyPacketsAndBytes(const std::string& file)
-{
+std::pair<int, std::string> keyPacketsAndBytes(const std::string& file) {
     int keys = 0;
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) == 0) {
@@ -150,8 +137,7 @@ std::pair<int, std::string> keyPacketsAndBytes(const std::string& file)
 
 // What a compressor's settings page chose is what the encoder wrote: x264
 // names its rate factor and speed in the stream, Video 1 its key pictures.
-TEST_F(RecordingTest, CompressorSettingsReachTheWrittenStream)
-{
+TEST_F(RecordingTest, CompressorSettingsReachTheWrittenStream) {
     const struct {
         int format;
         const char* compressor;
@@ -167,12 +153,9 @@ TEST_F(RecordingTest, CompressorSettingsReachTheWrittenStream)
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.compressor) + " with " + std::to_string(c.settings.size()) + " settings");
         Screen2Video r;
-        const std::string file = m_folder.file(c.format == 0 ? "set.avi" : "set.mkv");
-        r.OutputFileName(QString::fromStdString(file));
-        r.OutputFormat(c.format);
+        const std::string file = configure(r, c.format == 0 ? "set.avi" : "set.mkv", c.format, 160, 120);
         r.AudioEnabled(false);
         r.FrameRate(12);
-        r.ZoomRectangle(0, 0, 160, 120);
         r.VideoCompressorIndex(r.VideoCompressors().FindByName(QString::fromLatin1(c.compressor)));
         for (const auto& [key, value] : c.settings)
             r.VideoCompressorSetting(QString::fromLatin1(c.compressor), key, value);
@@ -191,10 +174,13 @@ TEST_F(RecordingTest, CompressorSettingsReachTheWrittenStream)
     }
 }
 
-TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep)
-{
+TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStepUnderAnOverlay) {
     Screen2Video r;
     const std::string file = configure(r, "paused.mkv", 5);
+    r.TextColor(0xffffff);
+    r.TextFontSize(36);
+    r.Text(QStringLiteral("MIRABEND"), 10, 150);
+    r.ShowText(true);
     ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
     for (int i = 0; i < 3; ++i) {
         recordFor(r, 0.5 * (i + 1));
@@ -213,28 +199,13 @@ TEST_F(RecordingTest, PausesLeaveNoGapAndKeepSoundInStep)
     EXPECT_NEAR(double(info.videoPackets), 20, 2);
     EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.15);
     EXPECT_LE(counters.framesDuplicated, 2u) << "a pause must not be filled with frozen frames";
-}
-
-TEST_F(RecordingTest, OverlaysAreDrawnOntoTheRecordedFrames)
-{
-    Screen2Video r;
-    const std::string file = configure(r, "stamped.mkv", 5);
-    r.AudioEnabled(false);
-    r.TextColor(0xffffff);
-    r.TextFontSize(36);
-    r.Text(QStringLiteral("MIRABEND"), 10, 150);
-    r.ShowText(true);
-    ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
-    recordFor(r, 0.5);
-    r.StopCapture();
     // The Xvfb screen is black: white text shows where it was put and
     // nowhere else.
     EXPECT_GT(test::brightestLuma(file, 0, 140, 320, 100), 200);
     EXPECT_LT(test::brightestLuma(file, 0, 0, 320, 100), 40);
 }
 
-TEST_F(RecordingTest, AWarmUpOfOneTickStillClosesAValidFile)
-{
+TEST_F(RecordingTest, AWarmUpOfOneTickStillClosesAValidFile) {
     // The options window's warm-up stops the recording one 50 ms tick after
     // starting it; hardware acceleration is not asked there, but asking for
     // it where there is none must fall back to software and say so.
@@ -260,23 +231,15 @@ TEST_F(RecordingTest, AWarmUpOfOneTickStillClosesAValidFile)
     r.StopCapture();
 }
 
-TEST_F(RecordingTest, AStopInTheBackgroundCompletesTheFileWhileTheNextRecordingRuns)
-{
+TEST_F(RecordingTest, ABackgroundStopIsDoneWithItsFileBeforeTheNextRecordingOpensIt) {
     // The sine source delivers 2 s blocks: the sound up to a stop arrives
     // long after it.
     Screen2Video r;
     const std::string first = configure(r, "first.mkv", 5);
-    const std::string second = m_folder.file("second.mkv");
-    ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
-    recordFor(r, 1.0);
-    r.StopCaptureInBackground();
-    EXPECT_FALSE(r.IsCapturing());
-
-    r.OutputFileName(QString::fromStdString(second));
-    r.ZoomRectangle(0, 0, 160, 120);
     ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
     recordFor(r, 2.5);
     r.StopCaptureInBackground();
+    EXPECT_FALSE(r.IsCapturing());
     // The same file once more at once, shorter: the last recording must be
     // done with it before the next one opens it.
     r.ZoomRectangle(0, 0, 240, 180);
@@ -287,28 +250,20 @@ TEST_F(RecordingTest, AStopInTheBackgroundCompletesTheFileWhileTheNextRecordingR
     EXPECT_FALSE(r.IsFinishing());
     EXPECT_TRUE(r.TakeFailures().empty());
 
-    const test::MediaInfo one = probe(first);
-    ASSERT_TRUE(one.opened);
-    EXPECT_EQ(one.width, 320);
-    EXPECT_NEAR(one.videoSeconds, 1.0, 0.25);
-    EXPECT_NEAR(one.audioSeconds, one.videoSeconds, 0.15) << "the late sound is collected after the stop";
-    const test::MediaInfo two = probe(second);
-    ASSERT_TRUE(two.opened);
-    EXPECT_EQ(two.width, 240);
-    EXPECT_NEAR(two.videoSeconds, 1.0, 0.25);
-    EXPECT_NEAR(two.audioSeconds, two.videoSeconds, 0.15);
+    const test::MediaInfo info = probe(first);
+    ASSERT_TRUE(info.opened);
+    EXPECT_EQ(info.width, 240);
+    EXPECT_NEAR(info.videoSeconds, 1.0, 0.25);
+    EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.15) << "the late sound is collected after the stop";
 }
 
-TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithSilence)
-{
+TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithSilence) {
     // Point the sound clients at a server that does not exist: the device
     // list falls back to ALSA, whose default device leads nowhere here.
     const std::string saved = getenv("PULSE_SERVER") ? getenv("PULSE_SERVER") : "";
     setenv("PULSE_SERVER", ("unix:" + m_folder.file("no-server")).c_str(), 1);
     Screen2Video r;
-    const std::string file = m_folder.file("mute.avi");
-    r.OutputFileName(QString::fromStdString(file));
-    r.FrameRate(10);
+    const std::string file = configure(r, "mute.avi", 0);
     const bool started = r.StartCapture();
     setenv("PULSE_SERVER", saved.c_str(), 1);
     ASSERT_TRUE(started) << r.LastFailure().detail;
@@ -324,8 +279,7 @@ TEST_F(RecordingTest, WithoutASoundServerTheRecordingGoesOnWithSilence)
     EXPECT_NEAR(double(info.videoPackets), 10, 2);
 }
 
-TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart)
-{
+TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart) {
     Screen2Video r;
     const std::string file = m_folder.file("never.flv");
     r.OutputFileName(QString::fromStdString(file));
@@ -346,8 +300,7 @@ TEST_F(RecordingTest, SettingsThatCannotWorkRefuseToStart)
     EXPECT_EQ(r.LastFailure().code, RecorderError::BadSetting);
 }
 
-TEST_F(RecordingTest, ARecordedWindowThatClosesFinishesTheFile)
-{
+TEST_F(RecordingTest, ARecordedWindowThatClosesFinishesTheFile) {
     auto window = std::make_unique<QWidget>();
     window->resize(200, 150);
     window->show();
@@ -380,8 +333,7 @@ TEST_F(RecordingTest, ARecordedWindowThatClosesFinishesTheFile)
     EXPECT_GE(info.videoPackets, 8);
 }
 
-TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows)
-{
+TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows) {
     // A sound server of its own, stopped mid-recording (a source merely
     // unloaded is moved to the default source by the server itself).
     auto server = std::make_unique<test::PulseServer>();
@@ -402,35 +354,7 @@ TEST_F(RecordingTest, AVanishingAudioSourceIsReportedAndSilenceFollows)
     EXPECT_NEAR(info.audioSeconds, info.videoSeconds, 0.3);
 }
 
-TEST_F(RecordingTest, AFullDiskStopsOnceAndLeavesAValidFile)
-{
-    const std::string mountPoint = m_folder.file("small");
-    mkdir(mountPoint.c_str(), 0700);
-    if (mount("tmpfs", mountPoint.c_str(), "tmpfs", 0, "size=64k") != 0)
-        GTEST_SKIP() << "cannot mount a small tmpfs here (needs root): " << strerror(errno);
-    const std::string file = mountPoint + "/full.avi";
-    {
-        Screen2Video r;
-        r.OutputFileName(QString::fromStdString(file));
-        r.VideoCompressorIndex(r.VideoCompressors().FindByName(QStringLiteral("Motion JPEG")));
-        r.AviWidth(640);
-        r.AviHeight(480);
-        r.FrameRate(24);
-        ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
-        for (int i = 0; i < 500 && r.IsCapturing(); ++i)
-            std::this_thread::sleep_for(20ms);
-        EXPECT_FALSE(r.IsCapturing()) << "a full disk ends the recording";
-        r.StopCapture();
-        EXPECT_EQ(failuresOf(r, RecorderError::WriteFailed).size(), 1u);
-        const test::MediaInfo info = probe(file);
-        EXPECT_TRUE(info.opened);
-        EXPECT_GT(info.videoPackets, 0);
-    }
-    umount(mountPoint.c_str());
-}
-
-TEST_F(RecordingTest, ABadOptionValueIsNamedOnOneLineAndRecordsNothing)
-{
+TEST_F(RecordingTest, ABadOptionValueIsNamedOnOneLineAndRecordsNothing) {
     {
         std::ofstream notImage(m_folder.file("notes.png"));
         notImage << "not a picture";
@@ -443,7 +367,8 @@ TEST_F(RecordingTest, ABadOptionValueIsNamedOnOneLineAndRecordsNothing)
         {{"--fps", "abc"}, "--fps: \"abc\" is not a number"},
         {{"--fps", "0"}, "--fps: 0 is not a frame rate from 1 to 240"},
         {{"--size", "0x0"}, "--size: \"0x0\""},
-        {{"--image", m_folder.file("notes.png")}, "--image: " + m_folder.file("notes.png") + " is not an image"},
+        {{"--image", m_folder.file("notes.png")},
+         "--image: " + m_folder.file("notes.png") + " is not an image"},
         {{"--image", m_folder.file("gone.png")}, "--image: there is no file"},
         {{"--video-bitrate", "fast"}, "--video-bitrate: \"fast\""},
         {{"--window", "main"}, "--window: \"main\""},
@@ -476,29 +401,7 @@ TEST_F(RecordingTest, ABadOptionValueIsNamedOnOneLineAndRecordsNothing)
     EXPECT_NE(access(out.c_str(), F_OK), 0) << "nothing is recorded";
 }
 
-TEST_F(RecordingTest, LiveSafeFilesPlayAfterTheRecorderIsKilled)
-{
-    for (const char* extension : {"mp4", "mkv"}) {
-        SCOPED_TRACE(extension);
-        const std::string file = m_folder.file(std::string("killed.") + extension);
-        test::ChildProcess recorder;
-        ASSERT_TRUE(recorder.start({driver(), "--record-screen", file, "--seconds", "30", "--region",
-                                    "0,0,320,240", "--fps", "10"},
-                                   {"XDG_STATE_HOME=" + m_folder.path()}));
-        // Killed once two seconds are on disk, however slowly the recorder got going.
-        for (int waited = 0; waited < 300 && probe(file).videoSeconds < 2.0; ++waited)
-            std::this_thread::sleep_for(100ms);
-        kill(recorder.pid(), SIGKILL);
-        recorder.stop();
-        const test::MediaInfo info = probe(file);
-        ASSERT_TRUE(info.opened);
-        EXPECT_EQ(info.videoCodec, "h264");
-        EXPECT_GE(info.videoSeconds, 1.0) << "plays up to its last second or two";
-    }
-}
-
-TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm)
-{
+TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm) {
     const std::string file = m_folder.file("term.avi");
     test::ChildProcess recorder;
     ASSERT_TRUE(recorder.start({driver(), "--record-screen", file, "--no-audio", "--fps", "10"}, {},
@@ -522,13 +425,6 @@ TEST_F(RecordingTest, TheCommandLineStopsCleanlyOnSigterm)
     for (const char* expected : {"Microsoft Video 1", "Windows Media Video 8", "Sorenson Spark", "PCM",
                                  "MPEG Layer-3", "Windows Media Audio 2", "Sine source", "Screen: 1280x1024"})
         EXPECT_NE(text.find(expected), std::string::npos) << expected << " missing from:\n" << text;
-
-    // A refused setting exits non-zero with a message.
-    test::ChildProcess refused;
-    ASSERT_TRUE(
-        refused.start({driver(), "--record-screen", m_folder.file("x.flv"), "--video-bitrate", "lots"}, {},
-                      m_folder.file("refused.log")));
-    EXPECT_GT(refused.wait(20000), 0);
 }
 
 } // namespace

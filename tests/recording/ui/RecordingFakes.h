@@ -40,22 +40,14 @@ class FakeRecorder final : public RecorderControl {
 public:
     // Every call as "Name(arg, arg)", in order.
     QStringList calls;
-    QStringList videoList{QStringLiteral("Cinepak"), QStringLiteral("Microsoft Video 1"),
-                          QStringLiteral("MPEG-4")};
-    QStringList audioList{QStringLiteral("MPEG Layer-3"), QStringLiteral("PCM")};
-    QStringList profiles{QStringLiteral("Screen Video High"), QStringLiteral("Screen Video Low")};
-    QStringList devices{QStringLiteral("Monitor of Null Output"), QStringLiteral("Sine source")};
-    QMap<int, QStringList> pins{{0, {QStringLiteral("Line")}},
-                                {1, {QStringLiteral("Mic"), QStringLiteral("Headset")}}};
-    QStringList dateFormats{QStringLiteral("f0"), QStringLiteral("f1"),
-                            QStringLiteral("f2"), QStringLiteral("f3"),
-                            QStringLiteral("f4"), QStringLiteral("f5"),
-                            QStringLiteral("f6"), QStringLiteral("mm/dd/yyyy hh:mm:ss"),
-                            QStringLiteral("f8")};
-    QStringList textStyles{QStringLiteral("Normal"), QStringLiteral("Outline Text"),
-                           QStringLiteral("Filled Outline"), QStringLiteral("Hatch Brush"),
-                           QStringLiteral("TextureBrush")};
-    QStringList hatchStyles{QStringLiteral("HatchStyleHorizontal "), QStringLiteral("HatchStyleVertical ")};
+    QStringList videoList{"Cinepak", "Microsoft Video 1", "MPEG-4"};
+    QStringList audioList{"MPEG Layer-3", "PCM"};
+    QStringList profiles{"Screen Video High", "Screen Video Low"};
+    QStringList devices{"Monitor of Null Output", "Sine source"};
+    QMap<int, QStringList> pins{{0, {"Line"}}, {1, {"Mic", "Headset"}}};
+    QStringList dateFormats{"f0", "f1", "f2", "f3", "f4", "f5", "f6", "mm/dd/yyyy hh:mm:ss", "f8"};
+    QStringList textStyles{"Normal", "Outline Text", "Filled Outline", "Hatch Brush", "TextureBrush"};
+    QStringList hatchStyles{"HatchStyleHorizontal ", "HatchStyleVertical "};
     QSet<int> compressorsWithPage;
     bool startSucceeds = true;
     RecordingFailure currentFailure;
