@@ -3,6 +3,7 @@
 #include "shell/PresentationModes.h"
 
 #include <QLabel>
+#include <QTest>
 #include <QTextEdit>
 #include <ostream>
 
@@ -101,15 +102,17 @@ TEST_F(ModesTest, SlidePaneIsTheDefaultContentWhenNothingShows) {
 }
 
 TEST_F(ModesTest, CameraCornersActOnlyInMixedMode) {
+    window->show();
     CameraSettingsPanel* panel = ctx().cameraPanel;
+    ctx().ebDemo->group(QStringLiteral("camera"))->setExpanded(true);
     window->modes().SideMode();
     const Rect4 before = rectOf(stage().VideoCap1());
-    CameraCorner(ctx()).Label16_Click();
+    QTest::mouseClick(panel->cornerLabel(3), Qt::LeftButton); // Label16: bottom left
     EXPECT_EQ(rectOf(stage().VideoCap1()), before);
 
     window->modes().MixedMode();
+    QTest::mouseClick(panel->cornerLabel(3), Qt::LeftButton);
     CameraCorner corner(ctx());
-    corner.Label16_Click();
     EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{481, 10, 109, 145}));
     EXPECT_EQ(panel->cornerLabel(3)->palette().color(QPalette::Window), QColor(99, 99, 200));
     for (int other : {0, 1, 2})

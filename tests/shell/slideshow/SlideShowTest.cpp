@@ -235,7 +235,9 @@ TEST_F(SlideShowTest, WelcomeComesFromTheDataFolderAndMissingFilesNeverStartTheP
 }
 
 TEST_F(SlideShowTest, NavigationMovesThenWritesTheSlideFields) {
+    program->titles = {QStringLiteral("Welcome")};
     openRunning();
+    EXPECT_EQ(show->slideTitle(), "Welcome");
     const std::vector<std::pair<QString, QString>> steps{{"next", "2"},     {"next", "3"},  {"next", "3"},
                                                          {"previous", "2"}, {"first", "1"}, {"last", "3"}};
     for (const auto& [key, slide] : steps) {
@@ -262,25 +264,11 @@ TEST_F(SlideShowTest, NavigationMovesThenWritesTheSlideFields) {
     EXPECT_EQ(ppt_txt->text(), "ppt");
 }
 
-TEST_F(SlideShowTest, AShowMovedInsideThePaneIsReadBackAndNamesItsSlide) {
-    program->titles = {QStringLiteral("Welcome"), QString()};
-    openRunning();
-    EXPECT_EQ(show->slideTitle(), "Welcome");
-    // The presenter presses a key in the pane: only the office knows.
-    program->current = 2;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return slideNow_txt->text() == QLatin1String("2"); }, 10000));
-    EXPECT_EQ(show->slideTitle(), "");
-    program->die();
-    EXPECT_EQ(slideNow_txt->text(), "0");
-    EXPECT_EQ(slide_txt->text(), "0");
-    EXPECT_EQ(show->slideTitle(), "");
-}
-
 TEST_F(SlideShowTest, ProgramEndingMidShowIsReportedAndTheNextOpenStartsAnew) {
     openRunning();
     program->die();
     EXPECT_TRUE(failedOnce());
-    EXPECT_EQ(ppt_txt->text(), "no");
+    EXPECT_EQ(slideNow_txt->text() + slide_txt->text(), "00");
     show->navigate(QStringLiteral("next"));
     EXPECT_TRUE(program->moves.isEmpty());
 
