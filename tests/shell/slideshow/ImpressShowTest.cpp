@@ -162,20 +162,13 @@ protected:
         EXPECT_TRUE(s.shows(colour)) << key;
     }
 
-    static Stage* s_stage;
-    static TempFolder* s_folder;
-    static DeckFiles s_decks;
-    static bool s_ready;
-    static std::string s_setupError;
-    static qint64 s_officePid;
+    static inline Stage* s_stage = nullptr;
+    static inline TempFolder* s_folder = nullptr;
+    static inline DeckFiles s_decks;
+    static inline bool s_ready = false;
+    static inline std::string s_setupError;
+    static inline qint64 s_officePid = 0;
 };
-
-Stage* ImpressShowTest::s_stage = nullptr;
-TempFolder* ImpressShowTest::s_folder = nullptr;
-DeckFiles ImpressShowTest::s_decks;
-bool ImpressShowTest::s_ready = false;
-std::string ImpressShowTest::s_setupError;
-qint64 ImpressShowTest::s_officePid = 0;
 
 TEST_F(ImpressShowTest, EachFormatShowsInThePaneAndNavigates) {
     Stage& s = stage();
