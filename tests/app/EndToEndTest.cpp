@@ -13,7 +13,6 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
-#include <unistd.h>
 
 namespace mirabend::test {
 namespace {
@@ -27,46 +26,17 @@ void sleepMs(int ms) {
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
 }
 
-// A private session bus, stopped by its process id.
-class SessionBus {
-public:
-    SessionBus() {
-        int fds[2];
-        if (pipe(fds) != 0)
-            return;
-        m_process.start({"dbus-daemon", "--session", "--nofork", "--print-address=" + std::to_string(fds[1])},
-                        {}, {}, fds[1]);
-        close(fds[1]);
-        char buffer[512] = {};
-        ssize_t n = 0;
-        for (int tries = 0; tries < 100 && n <= 0; ++tries) {
-            n = read(fds[0], buffer, sizeof buffer - 1);
-            if (n <= 0)
-                sleepMs(20);
-        }
-        close(fds[0]);
-        m_address = std::string(buffer, n > 0 ? static_cast<std::size_t>(n) : 0);
-        while (!m_address.empty() && (m_address.back() == '\n' || m_address.back() == '\r'))
-            m_address.pop_back();
-    }
-    const std::string& address() const { return m_address; }
-
-private:
-    ChildProcess m_process;
-    std::string m_address;
-};
-
 class EndToEnd : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(xvfb.ok()) << "Xvfb did not start";
-        ASSERT_FALSE(bus.address().empty()) << "dbus-daemon did not start";
+        ASSERT_FALSE(busAddress.empty()) << "dbus-daemon did not start";
         ASSERT_TRUE(pulse.ok()) << "PulseAudio did not start";
         setenv("DISPLAY", xvfb.display().c_str(), 1);
-        setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
+        setenv("DBUS_SESSION_BUS_ADDRESS", busAddress.c_str(), 1);
         setenv("QT_QPA_PLATFORM", "xcb", 1);
-        env = {"DISPLAY=" + xvfb.display(), "DBUS_SESSION_BUS_ADDRESS=" + bus.address(),
-               "QT_QPA_PLATFORM=xcb", "HOME=" + home.path(), "XDG_DATA_HOME=" + home.path()};
+        env = {"DISPLAY=" + xvfb.display(), "DBUS_SESSION_BUS_ADDRESS=" + busAddress, "QT_QPA_PLATFORM=xcb",
+               "HOME=" + home.path(), "XDG_DATA_HOME=" + home.path()};
     }
 
     // Runs `mirabend ARGS` to completion; returns its exit code.
@@ -121,7 +91,9 @@ protected:
     }
 
     XvfbServer xvfb;
-    SessionBus bus;
+    ChildProcess bus; // a private session bus
+    std::string busAddress =
+        bus.startReportingLine({"dbus-daemon", "--session", "--nofork", "--print-address={fd}"});
     PulseServer pulse;
     TempFolder home{"mirabend-e2e"};
     std::vector<std::string> env;
