@@ -203,32 +203,25 @@ TEST_F(RotationTest, CameraAndSlidesExchangePlacesAndTheLargePlaceSticks) {
 }
 
 TEST_F(RotationTest, RecordingBracketsAndTheLopsidedPlainOne) {
-    ctx().status->setPanelText(1, QStringLiteral("Recording ..."));
-    item("rotate1");
-    EXPECT_EQ(trace.calls.first(), QStringLiteral("PauseRec"));
-    EXPECT_TRUE(trace.calls.last().startsWith(QStringLiteral("ResumeRec")));
-    EXPECT_EQ(trace.calls.count(QStringLiteral("PresentSize")), 1);
-
-    for (const char* key : {"rotate2", "rotate3"}) {
-        ctx().status->setPanelText(1, QStringLiteral("Recording ..."));
+    const QString resume = QStringLiteral("ResumeRec mode=Mode: Single");
+    const struct {
+        const char* key;
+        const char* status;
+        QStringList calls;
+    } rows[] = {
+        {"rotate1", "Recording ...", {"PauseRec", "PresentSize", resume}},
+        {"rotate2", "Recording ...", {"PauseRec", "PresentSize", resume}},
+        {"rotate3", "Recording ...", {"PauseRec", "PresentSize", resume}},
+        {"rotate0", "Recording ...", {"PresentSize", resume}}, // resume without a pause before it
+        {"rotate0", "Paused ...", {"PresentSize"}},
+        {"rotate1", "Paused ...", {"PresentSize"}},
+    };
+    for (const auto& row : rows) {
+        ctx().status->setPanelText(1, QLatin1String(row.status));
         trace.calls.clear();
-        item(key);
-        EXPECT_EQ(trace.calls.size(), 3) << key;
-        EXPECT_EQ(trace.calls.first(), QStringLiteral("PauseRec")) << key;
+        item(row.key);
+        EXPECT_EQ(trace.calls, row.calls) << row.key << " " << row.status;
     }
-
-    ctx().status->setPanelText(1, QStringLiteral("Recording ..."));
-    trace.calls.clear();
-    item("rotate0");
-    ASSERT_EQ(trace.calls.size(), 2);
-    EXPECT_EQ(trace.calls[0], QStringLiteral("PresentSize"));
-    EXPECT_TRUE(trace.calls[1].startsWith(QStringLiteral("ResumeRec"))) << "resume without a pause before it";
-
-    ctx().status->setPanelText(1, QStringLiteral("Paused ..."));
-    trace.calls.clear();
-    item("rotate0");
-    item("rotate1");
-    EXPECT_EQ(trace.calls, (QStringList{"PresentSize", "PresentSize"}));
 }
 
 } // namespace
