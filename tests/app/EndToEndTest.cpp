@@ -1,9 +1,9 @@
 // The installed program as a user drives it: a private X display, session
 // bus and sound server, the real mirabend executable, remote commands from a
 // second mirabend process, and the recorded file read back with libavformat.
+#include "support/ChildProcess.h"
 #include "support/MediaProbe.h"
 #include "support/PulseServer.h"
-#include "support/ChildProcess.h"
 #include "support/XvfbServer.h"
 
 #include <chrono>
@@ -13,66 +13,34 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
-#include <unistd.h>
 
 namespace mirabend::test {
 namespace {
 
-std::string mirabendPath()
-{
+std::string mirabendPath() {
     const char* dir = std::getenv("MIRABEND_BINARY_DIR");
     return std::string(dir ? dir : ".") + "/bin/mirabend";
 }
 
-void sleepMs(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
-
-// A private session bus, stopped by its process id.
-class SessionBus {
-public:
-    SessionBus()
-    {
-        int fds[2];
-        if (pipe(fds) != 0)
-            return;
-        m_process.start({"dbus-daemon", "--session", "--nofork", "--print-address=" + std::to_string(fds[1])}, {},
-                        {}, fds[1]);
-        close(fds[1]);
-        char buffer[512] = {};
-        ssize_t n = 0;
-        for (int tries = 0; tries < 100 && n <= 0; ++tries) {
-            n = read(fds[0], buffer, sizeof buffer - 1);
-            if (n <= 0)
-                sleepMs(20);
-        }
-        close(fds[0]);
-        m_address = std::string(buffer, n > 0 ? static_cast<std::size_t>(n) : 0);
-        while (!m_address.empty() && (m_address.back() == '\n' || m_address.back() == '\r'))
-            m_address.pop_back();
-    }
-    const std::string& address() const { return m_address; }
-
-private:
-    ChildProcess m_process;
-    std::string m_address;
-};
+void sleepMs(int ms) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+}
 
 class EndToEnd : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         ASSERT_TRUE(xvfb.ok()) << "Xvfb did not start";
-        ASSERT_FALSE(bus.address().empty()) << "dbus-daemon did not start";
+        ASSERT_FALSE(busAddress.empty()) << "dbus-daemon did not start";
         ASSERT_TRUE(pulse.ok()) << "PulseAudio did not start";
         setenv("DISPLAY", xvfb.display().c_str(), 1);
-        setenv("DBUS_SESSION_BUS_ADDRESS", bus.address().c_str(), 1);
+        setenv("DBUS_SESSION_BUS_ADDRESS", busAddress.c_str(), 1);
         setenv("QT_QPA_PLATFORM", "xcb", 1);
-        env = {"DISPLAY=" + xvfb.display(), "DBUS_SESSION_BUS_ADDRESS=" + bus.address(), "QT_QPA_PLATFORM=xcb",
+        env = {"DISPLAY=" + xvfb.display(), "DBUS_SESSION_BUS_ADDRESS=" + busAddress, "QT_QPA_PLATFORM=xcb",
                "HOME=" + home.path(), "XDG_DATA_HOME=" + home.path()};
     }
 
     // Runs `mirabend ARGS` to completion; returns its exit code.
-    int run(const std::vector<std::string>& args)
-    {
+    int run(const std::vector<std::string>& args) {
         std::vector<std::string> argv{mirabendPath()};
         argv.insert(argv.end(), args.begin(), args.end());
         ChildProcess client;
@@ -82,8 +50,7 @@ protected:
     }
 
     // Starts the main window and waits until it answers remote commands.
-    bool startProgram()
-    {
+    bool startProgram() {
         if (!app.start({mirabendPath()}, env, home.file("mirabend.log")))
             return false;
         for (int i = 0; i < 100; ++i) {
@@ -97,8 +64,7 @@ protected:
     // Polls the X server's window tree for the show window LibreOffice
     // creates inside the slide pane: a nameless child at (0, 0) of the
     // pane's size.
-    bool waitForShow(const std::string& size)
-    {
+    bool waitForShow(const std::string& size) {
         for (int i = 0; i < 120; ++i) {
             const std::string tree = home.file("tree.txt");
             ChildProcess lister;
@@ -116,8 +82,7 @@ protected:
         return false;
     }
 
-    std::string log() const
-    {
+    std::string log() const {
         std::ifstream in(home.file("mirabend.log"));
         std::string text, line;
         while (std::getline(in, line))
@@ -126,15 +91,16 @@ protected:
     }
 
     XvfbServer xvfb;
-    SessionBus bus;
+    ChildProcess bus; // a private session bus
+    std::string busAddress =
+        bus.startReportingLine({"dbus-daemon", "--session", "--nofork", "--print-address={fd}"});
     PulseServer pulse;
     TempFolder home{"mirabend-e2e"};
     std::vector<std::string> env;
     ChildProcess app;
 };
 
-TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
-{
+TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundLeaveOutPausesAndFollowTheStageSize) {
     EXPECT_NE(run({"--command", "stop"}), 0) << "no instance runs yet: the client says so";
     ASSERT_TRUE(startProgram());
     ASSERT_EQ(run({"--command", "side"}), 0);
@@ -160,7 +126,22 @@ TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
     sleepMs(1000);
     ASSERT_EQ(run({"--command", "stop"}), 0);
     const auto stopped = Clock::now();
-    // The file is finished after the stop, once the sound server has sent
+
+    // One step smaller, back on the slides: the next recording has the new
+    // size (taken once the first file is done).
+    ASSERT_EQ(run({"--command", "dec"}), 0);
+    ASSERT_EQ(run({"--command", "slides"}), 0);
+    const std::string small = home.file("small.mkv");
+    bool recording = false;
+    for (int i = 0; i < 60 && !recording; ++i) {
+        recording = run({"--record-to", small}) == 0;
+        if (!recording)
+            sleepMs(500);
+    }
+    ASSERT_TRUE(recording) << log();
+    sleepMs(2000);
+    ASSERT_EQ(run({"--command", "stop"}), 0);
+    // A file is finished after the stop, once the sound server has sent
     // the sound up to it (seconds from a sine source); SIGTERM lets the
     // program complete it before it exits.
     app.stop(30000);
@@ -174,7 +155,9 @@ TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
     // The file is the time between start and stop less the pause. Each
     // remote command is a process start, and the capture needs a moment to
     // open its devices, so the bounds allow for a second of latency.
-    const auto seconds = [](Clock::duration d) { return std::chrono::duration<double>(d).count(); };
+    const auto seconds = [](Clock::duration d) {
+        return std::chrono::duration<double>(d).count();
+    };
     const double wall = seconds(stopped - started);
     const double pause = seconds(resumed - paused);
     std::printf("recorded: video %.2f s (%ld frames), audio %.2f s; wall %.2f s, paused %.2f s\n",
@@ -193,23 +176,12 @@ TEST_F(EndToEnd, RemoteCommandsRecordTheStageWithSoundAndPausesAreLeftOut)
     for (const ReadChapter& chapter : readChapters(file))
         chapters.push_back(chapter.title);
     EXPECT_EQ(chapters, (std::vector<std::string>{"Slide 2: What Mirabend does", "Whiteboard"})) << log();
-}
 
-TEST_F(EndToEnd, ASmallerStageIsRecordedAtItsNewSize)
-{
-    ASSERT_TRUE(startProgram());
-    ASSERT_TRUE(waitForShow("580x435")) << "no slide show window filled the slide pane";
-    ASSERT_EQ(run({"--command", "dec"}), 0);
-    const std::string file = home.file("small.mkv");
-    ASSERT_EQ(run({"--record-to", file}), 0);
-    sleepMs(2000);
-    ASSERT_EQ(run({"--command", "stop"}), 0);
-    app.stop(30000);
-    const MediaInfo info = probe(file);
-    ASSERT_TRUE(info.opened) << file << "\n" << log();
-    EXPECT_EQ(info.width, 720) << "one step below 800 x 600";
-    EXPECT_EQ(info.height, 540);
-    EXPECT_GT(brightestLuma(file, 20, 20, 500, 120, 0.5), 180) << "the slide keeps its place on the stage";
+    const MediaInfo smaller = probe(small);
+    ASSERT_TRUE(smaller.opened) << small << "\n" << log();
+    EXPECT_EQ(smaller.width, 720) << "one step below 800 x 600";
+    EXPECT_EQ(smaller.height, 540);
+    EXPECT_GT(brightestLuma(small, 20, 20, 500, 120, 0.5), 180) << "the slide keeps its place on the stage";
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "shell/PresentationModes.h"
 
 #include <QLabel>
+#include <QTest>
 #include <QTextEdit>
 #include <ostream>
 
@@ -49,40 +50,29 @@ TEST_F(ModesTest, EachModeLaysOutThePanes) {
 }
 
 TEST_F(ModesTest, EachModeIsBracketedAndRestartsOnlyWhatItMust) {
-    // Single -> Side: camera restart and re-embedding.
-    window->modes().SideMode();
-    EXPECT_EQ(trace.calls,
-              (QStringList{"PauseRec", "PreviewCam1", "OpenSlidesResize", "ResumeRec mode=Mode: Side"}));
-    // Side -> Single: the camera restarts (from the geometry) and the show is re-embedded.
-    trace.calls.clear();
-    window->modes().SingleMode();
-    EXPECT_EQ(trace.calls,
-              (QStringList{"PauseRec", "PreviewCam1", "OpenSlidesResize", "ResumeRec mode=Mode: Side"}))
-        << "Single mode writes its text only after the resume";
-    EXPECT_EQ(mode(), QStringLiteral("Mode: Single"));
-    // Single -> Mixed: camera restart, no re-embedding.
-    trace.calls.clear();
-    window->modes().MixedMode();
-    EXPECT_EQ(trace.calls, (QStringList{"PauseRec", "PreviewCam1", "ResumeRec mode=Mode: Mixed"}));
-    // Mixed -> Single: camera restart, no re-embedding.
-    trace.calls.clear();
-    window->modes().SingleMode();
-    EXPECT_EQ(trace.calls, (QStringList{"PauseRec", "PreviewCam1", "ResumeRec mode=Mode: Mixed"}));
-    // Mixed -> Side -> Mixed: the show is re-embedded both ways, the camera is not restarted.
-    window->modes().MixedMode();
-    trace.calls.clear();
-    window->modes().SideMode();
-    window->modes().MixedMode();
-    EXPECT_EQ(trace.calls.count(QStringLiteral("OpenSlidesResize")), 2);
-    EXPECT_FALSE(trace.has(QStringLiteral("PreviewCam1")));
-}
-
-TEST_F(ModesTest, StatusTextClearedAfterModeChangeOnlyWhenNotRecording) {
-    window->modes().SideMode();
+    using Set = void (PresentationModes::*)();
+    const QString side = QStringLiteral("ResumeRec mode=Mode: Side"),
+                  mixed = QStringLiteral("ResumeRec mode=Mode: Mixed");
+    // The show is re-embedded when Side mode is left or entered; the camera
+    // restarts when Single mode is (from the geometry). Single mode writes its
+    // text only after the resume.
+    const std::pair<Set, QStringList> steps[] = {
+        {&PresentationModes::SideMode, {"PauseRec", "PreviewCam1", "OpenSlidesResize", side}},
+        {&PresentationModes::SingleMode, {"PauseRec", "PreviewCam1", "OpenSlidesResize", side}},
+        {&PresentationModes::MixedMode, {"PauseRec", "PreviewCam1", mixed}},
+        {&PresentationModes::SingleMode, {"PauseRec", "PreviewCam1", mixed}},
+        {&PresentationModes::MixedMode, {"PauseRec", "PreviewCam1", mixed}},
+        {&PresentationModes::SideMode, {"PauseRec", "OpenSlidesResize", side}},
+        {&PresentationModes::MixedMode, {"PauseRec", "OpenSlidesResize", mixed}},
+    };
+    for (std::size_t i = 0; i < std::size(steps); ++i) {
+        trace.calls.clear();
+        (window->modes().*steps[i].first)();
+        EXPECT_EQ(trace.calls, steps[i].second) << "step " << i;
+    }
+    // The resume's status text is cleared unless a recording runs.
     EXPECT_EQ(ctx().status->panelText(1), QString());
     ctx().fields.Text4->setText(QStringLiteral("run"));
-    window->modes().MixedMode();
-    EXPECT_EQ(ctx().status->panelText(1), QStringLiteral("Recording ..."));
     window->modes().SingleMode();
     EXPECT_EQ(ctx().status->panelText(1), QStringLiteral("Recording ..."));
 }
@@ -101,15 +91,17 @@ TEST_F(ModesTest, SlidePaneIsTheDefaultContentWhenNothingShows) {
 }
 
 TEST_F(ModesTest, CameraCornersActOnlyInMixedMode) {
+    window->show();
     CameraSettingsPanel* panel = ctx().cameraPanel;
+    ctx().ebDemo->group(QStringLiteral("camera"))->setExpanded(true);
     window->modes().SideMode();
     const Rect4 before = rectOf(stage().VideoCap1());
-    CameraCorner(ctx()).Label16_Click();
+    QTest::mouseClick(panel->cornerLabel(3), Qt::LeftButton); // Label16: bottom left
     EXPECT_EQ(rectOf(stage().VideoCap1()), before);
 
     window->modes().MixedMode();
+    QTest::mouseClick(panel->cornerLabel(3), Qt::LeftButton);
     CameraCorner corner(ctx());
-    corner.Label16_Click();
     EXPECT_EQ(rectOf(stage().VideoCap1()), (Rect4{481, 10, 109, 145}));
     EXPECT_EQ(panel->cornerLabel(3)->palette().color(QPalette::Window), QColor(99, 99, 200));
     for (int other : {0, 1, 2})

@@ -14,8 +14,8 @@
 
 #include <QLineEdit>
 #include <QStringList>
-#include <gtest/gtest.h>
 #include <functional>
+#include <gtest/gtest.h>
 #include <memory>
 
 namespace mirabend::test {
@@ -29,28 +29,27 @@ struct Trace {
 
 class TraceRecording final : public RecordingPort {
 public:
-    TraceRecording(Trace& trace, Mirabend_frm& window) : m_trace(trace), m_window(window) {}
+    TraceRecording(Trace& trace, Mirabend_frm& window)
+        : m_trace(trace)
+        , m_window(window) {}
+    void StartRecPre() override { m_trace.add("StartRecPre"); }
+    void StartRec() override { m_trace.add("StartRec"); }
     // The real session writes these texts; the fake does the same so the
     // main window's clean-up after mode changes can be seen.
-    void StartRecPre() override { m_trace.add(QStringLiteral("StartRecPre")); }
-    void StartRec() override { m_trace.add(QStringLiteral("StartRec")); }
-    void PauseRec() override
-    {
-        m_trace.add(QStringLiteral("PauseRec"));
+    void PauseRec() override {
+        m_trace.add("PauseRec");
         m_window.context().status->setPanelText(1, QStringLiteral("Paused ..."));
     }
-    void ResumeRec() override
-    {
-        m_trace.add(QStringLiteral("ResumeRec mode=") + m_window.context().mode());
+    void ResumeRec() override {
+        m_trace.add("ResumeRec mode=" + m_window.context().mode());
         m_window.context().status->setPanelText(1, QStringLiteral("Recording ..."));
     }
-    void StopRec() override { m_trace.add(QStringLiteral("StopRec")); }
-    void showOptions() override { m_trace.add(QStringLiteral("showOptions")); }
-    void setDefaultArea(int w, int h) override
-    {
+    void StopRec() override { m_trace.add("StopRec"); }
+    void showOptions() override { m_trace.add("showOptions"); }
+    void setDefaultArea(int w, int h) override {
         m_trace.add(QStringLiteral("setDefaultArea %1x%2").arg(w).arg(h));
     }
-    void addChapter(const QString& title) override { m_trace.add(QStringLiteral("chapter ") + title); }
+    void addChapter(const QString& title) override { m_trace.add("chapter " + title); }
 
 private:
     Trace& m_trace;
@@ -59,19 +58,16 @@ private:
 
 class TraceSlides final : public SlideShowPort {
 public:
-    explicit TraceSlides(Trace& trace) : m_trace(trace) {}
-    void openSlides() override { m_trace.add(QStringLiteral("openSlides")); }
-    void openSlidesStart() override { m_trace.add(QStringLiteral("openSlidesStart")); }
-    bool openFile(const QString& path) override
-    {
-        m_trace.add(QStringLiteral("openFile ") + path);
-        return true;
-    }
-    void OpenSlidesResize() override { m_trace.add(QStringLiteral("OpenSlidesResize")); }
-    void PresentSize() override { m_trace.add(QStringLiteral("PresentSize")); }
-    void PPTInfo() override { m_trace.add(QStringLiteral("PPTInfo")); }
-    void navigate(const QString& key) override { m_trace.add(QStringLiteral("navigate ") + key); }
-    void shutdown() override { m_trace.add(QStringLiteral("slides.shutdown")); }
+    explicit TraceSlides(Trace& trace)
+        : m_trace(trace) {}
+    void openSlides() override { m_trace.add("openSlides"); }
+    void openSlidesStart() override { m_trace.add("openSlidesStart"); }
+    bool openFile(const QString& path) override { return m_trace.add("openFile " + path), true; }
+    void OpenSlidesResize() override { m_trace.add("OpenSlidesResize"); }
+    void PresentSize() override { m_trace.add("PresentSize"); }
+    void PPTInfo() override { m_trace.add("PPTInfo"); }
+    void navigate(const QString& key) override { m_trace.add("navigate " + key); }
+    void shutdown() override { m_trace.add("slides.shutdown"); }
     bool isOpening() const override { return opening; }
     QString slideTitle() override { return title; }
 
@@ -82,41 +78,23 @@ private:
     Trace& m_trace;
 };
 
-class TraceCamera final : public CameraPort {
+// The camera and the audio inputs: device lists from the test's options.
+class TraceDevices final : public CameraPort, public AudioPort {
 public:
-    TraceCamera(Trace& trace, QStringList devices, QStringList formats)
-        : m_trace(trace), m_devices(std::move(devices)), m_formats(std::move(formats)) {}
-    void PreviewCam1() override { m_trace.add(QStringLiteral("PreviewCam1")); }
-    QStringList deviceNames() override
-    {
-        m_trace.add(QStringLiteral("camera.deviceNames"));
-        return m_devices;
-    }
-    QStringList formatNames() override
-    {
-        m_trace.add(QStringLiteral("camera.formatNames"));
-        return m_formats;
-    }
+    TraceDevices(Trace& trace, QStringList cameras, QStringList formats, QStringList inputs)
+        : m_trace(trace)
+        , m_cameras(std::move(cameras))
+        , m_formats(std::move(formats))
+        , m_inputs(std::move(inputs)) {}
+    void PreviewCam1() override { m_trace.add("PreviewCam1"); }
+    QStringList deviceNames() override { return m_trace.add("camera.deviceNames"), m_cameras; }
+    QStringList formatNames() override { return m_trace.add("camera.formatNames"), m_formats; }
+    void showRecorder() override { m_trace.add("showRecorder"); }
+    QStringList inputDevices() override { return m_trace.add("InitDevices"), m_inputs; }
 
 private:
     Trace& m_trace;
-    QStringList m_devices;
-    QStringList m_formats;
-};
-
-class TraceAudio final : public AudioPort {
-public:
-    TraceAudio(Trace& trace, QStringList devices) : m_trace(trace), m_devices(std::move(devices)) {}
-    void showRecorder() override { m_trace.add(QStringLiteral("showRecorder")); }
-    QStringList inputDevices() override
-    {
-        m_trace.add(QStringLiteral("InitDevices"));
-        return m_devices;
-    }
-
-private:
-    Trace& m_trace;
-    QStringList m_devices;
+    QStringList m_cameras, m_formats, m_inputs;
 };
 
 struct ShellOptions {
@@ -131,8 +109,7 @@ class ShellTest : public ::testing::Test {
 protected:
     void SetUp() override { build(ShellOptions{}); }
 
-    void build(const ShellOptions& options)
-    {
+    void build(const ShellOptions& options) {
         window.reset();
         trace.calls.clear();
         ShellServices services;
@@ -147,12 +124,15 @@ protected:
             return made;
         };
         services.makeCamera = [this, options](Mirabend_frm&) {
-            return std::make_unique<TraceCamera>(trace, options.cameraDevices, options.cameraFormats);
+            return std::make_unique<TraceDevices>(trace, options.cameraDevices, options.cameraFormats,
+                                                  QStringList{});
         };
         services.makeAudio = [this, options](Mirabend_frm&) {
-            return std::make_unique<TraceAudio>(trace, options.audioDevices);
+            return std::make_unique<TraceDevices>(trace, QStringList{}, QStringList{}, options.audioDevices);
         };
-        services.endProgram = [this] { trace.add(QStringLiteral("endProgram")); };
+        services.endProgram = [this] {
+            trace.add(QStringLiteral("endProgram"));
+        };
         window = std::make_unique<Mirabend_frm>(services);
         if (options.beforeLoad)
             options.beforeLoad(*window);

@@ -86,7 +86,7 @@ TEST_F(X11Test, StyleSwitchesBecomeMotifHintsAndTheWindowShowsAgain) {
     EXPECT_EQ(attributes.map_state, IsViewable) << "the show call maps the window again";
 }
 
-TEST_F(X11Test, FindsReparentsRenamesAndTopMost) {
+TEST_F(X11Test, FindsReparentsRenamesTopMostAndReportsVanishedWindows) {
     EXPECT_EQ(system.findWindowByClass(QStringLiteral("screenClass")), 0u);
     const Window show = makeWindow("screenClass");
     EXPECT_EQ(system.findWindowByClass(QStringLiteral("screenClass")), show);
@@ -128,15 +128,13 @@ TEST_F(X11Test, FindsReparentsRenamesAndTopMost) {
     EXPECT_EQ(before.x, after.x);
     EXPECT_EQ(before.width, after.width);
     EXPECT_EQ(before.height, after.height);
-}
 
-TEST_F(X11Test, VanishedWindowsAreReportedNotFatal) {
-    const Window gone = makeWindow("gone");
-    XDestroyWindow(display, gone);
-    created.clear();
+    // A vanished window is reported, not fatal.
+    XDestroyWindow(display, top);
+    created.pop_back();
     XSync(display, False);
-    EXPECT_FALSE(system.showNormal(static_cast<NativeHandle>(gone)));
-    EXPECT_FALSE(system.applyStyle(static_cast<NativeHandle>(gone), WindowStyle::ClipBits));
+    EXPECT_FALSE(system.showNormal(static_cast<NativeHandle>(top)));
+    EXPECT_FALSE(system.applyStyle(static_cast<NativeHandle>(top), WindowStyle::ClipBits));
     EXPECT_FALSE(system.setParent(0, 0));
 }
 

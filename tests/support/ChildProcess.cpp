@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
@@ -51,6 +52,28 @@ bool ChildProcess::start(const std::vector<std::string>& argv, const std::vector
     setpgid(pid, pid);
     m_pid = pid;
     return true;
+}
+
+std::string ChildProcess::startReportingLine(std::vector<std::string> argv, int timeoutMs) {
+    int fds[2];
+    if (pipe(fds) != 0)
+        return {};
+    for (std::string& argument : argv) {
+        const std::size_t at = argument.find("{fd}");
+        if (at != std::string::npos)
+            argument.replace(at, 4, std::to_string(fds[1]));
+    }
+    const bool started = start(argv, {}, {}, fds[1]);
+    close(fds[1]);
+    std::string line;
+    pollfd p{fds[0], POLLIN, 0};
+    char c = 0;
+    while (started && poll(&p, 1, timeoutMs) > 0 && read(fds[0], &c, 1) == 1 && c != '\n')
+        line += c;
+    close(fds[0]);
+    if (line.empty())
+        stop();
+    return line;
 }
 
 void ChildProcess::reaped(int status) {

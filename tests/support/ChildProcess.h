@@ -20,6 +20,11 @@ public:
     // `keepFd`, when not -1, stays open in the child.
     bool start(const std::vector<std::string>& argv, const std::vector<std::string>& env = {},
                const std::string& logFile = {}, int keepFd = -1);
+    // Starts a server that reports on a file descriptor it is given ("{fd}"
+    // in an argument), such as Xvfb -displayfd or dbus-daemon
+    // --print-address; returns the first line it writes there, or "" (and
+    // the process stopped) when none comes within `timeoutMs`.
+    std::string startReportingLine(std::vector<std::string> argv, int timeoutMs = 10000);
     // SIGTERM, then SIGKILL after `graceMs`; reaps the process.
     void stop(int graceMs = 2000);
     bool running();

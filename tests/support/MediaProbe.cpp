@@ -5,14 +5,25 @@
 #include <cmath>
 
 namespace mirabend::test {
+namespace {
+
+// The file opened, with its streams read when `streams` is set; null when it does not open.
+InputContextPtr openInput(const std::string& file, bool streams = true) {
+    AVFormatContext* raw = nullptr;
+    if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
+        return nullptr;
+    InputContextPtr input(raw);
+    if (streams && avformat_find_stream_info(input.get(), nullptr) < 0)
+        return nullptr;
+    return input;
+}
+
+} // namespace
 
 MediaInfo probe(const std::string& file) {
     MediaInfo info;
-    AVFormatContext* raw = nullptr;
-    if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
-        return info;
-    InputContextPtr input(raw);
-    if (avformat_find_stream_info(input.get(), nullptr) < 0)
+    const InputContextPtr input = openInput(file);
+    if (!input)
         return info;
     info.opened = true;
     int videoIndex = -1;
@@ -102,21 +113,14 @@ MediaInfo probe(const std::string& file) {
     return info;
 }
 
-} // namespace mirabend::test
-
-namespace mirabend::test {
-
 namespace {
 
 // Calls `look` with the first frame at or after `atSeconds`, converted to
 // `format`; false when no such frame decodes.
 template <typename Look>
 bool withFrame(const std::string& file, double atSeconds, AVPixelFormat format, Look look) {
-    AVFormatContext* raw = nullptr;
-    if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
-        return false;
-    InputContextPtr input(raw);
-    if (avformat_find_stream_info(input.get(), nullptr) < 0)
+    const InputContextPtr input = openInput(file);
+    if (!input)
         return false;
     const int index = av_find_best_stream(input.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     if (index < 0)
@@ -185,15 +189,10 @@ std::array<int, 3> averageRgb(const std::string& file, int x, int y, int w, int 
     return mean;
 }
 
-} // namespace mirabend::test
-
-namespace mirabend::test {
-
 std::vector<ReadChapter> readChapters(const std::string& file) {
-    AVFormatContext* raw = nullptr;
-    if (avformat_open_input(&raw, file.c_str(), nullptr, nullptr) < 0)
+    const InputContextPtr context = openInput(file, false);
+    if (!context)
         return {};
-    InputContextPtr context(raw);
     std::vector<ReadChapter> out;
     for (unsigned i = 0; i < context->nb_chapters; ++i) {
         const AVChapter* c = context->chapters[i];

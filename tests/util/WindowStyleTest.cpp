@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 using mirabend::WindowStyle;
-using ::testing::_;
 using ::testing::InSequence;
 using ::testing::Return;
 
@@ -37,21 +36,7 @@ TEST(WindowStyle, BitArithmeticOfEachSwitch) {
     EXPECT_EQ(WindowStyle::computeStyle(T, T, T, T, T, T), 0x86CF0000u);
 }
 
-TEST(WindowStyle, OnlyTrueCountsAndWithoutHandleNothingIsApplied) {
-    MockWindowSystem system;
-    EXPECT_CALL(system, applyStyle(_, _)).Times(0);
-    EXPECT_CALL(system, showNormal(_)).Times(0);
-    WindowStyle style(&system);
-    style.Border(1);
-    style.Sysmenu(2);
-    style.popup(-2);
-    EXPECT_EQ(style.style(), 0x06000000u) << "only True (-1) sets a switch";
-    style.Border(WindowStyle::kTrue);
-    style.Sizebox(WindowStyle::kTrue);
-    EXPECT_EQ(style.style(), 0x06C40000u);
-}
-
-TEST(WindowStyle, EveryLetAppliesThenShows) {
+TEST(WindowStyle, EveryLetWithAHandleAppliesOnlyTrueSwitchesThenShows) {
     MockWindowSystem system;
     {
         InSequence order;
@@ -64,6 +49,9 @@ TEST(WindowStyle, EveryLetAppliesThenShows) {
         EXPECT_CALL(system, showNormal(42u)).WillOnce(Return(true));
     }
     WindowStyle style(&system);
+    style.Border(1); // only True (-1) sets a switch, and without a handle nothing is applied
+    style.Sysmenu(2);
+    style.popup(-2);
     style.HWnd(42);
     style.Border(WindowStyle::kTrue);
     style.Minimize(WindowStyle::kTrue);

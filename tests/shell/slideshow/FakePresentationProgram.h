@@ -60,20 +60,10 @@ public:
         moves << move;
         if (goFailure)
             return goFailure;
-        switch (move) {
-        case SlideMove::First:
-            current = 1;
-            break;
-        case SlideMove::Next:
-            current = std::min(current + 1, slideCount);
-            break;
-        case SlideMove::Previous:
-            current = std::max(current - 1, 1);
-            break;
-        case SlideMove::Last:
-            current = slideCount;
-            break;
-        }
+        const int step = move == SlideMove::Next ? 1 : move == SlideMove::Previous ? -1 : 0;
+        current = move == SlideMove::First  ? 1
+                  : move == SlideMove::Last ? slideCount
+                                            : std::clamp(current + step, 1, slideCount);
         return {};
     }
     std::optional<SlidePosition> position() override {

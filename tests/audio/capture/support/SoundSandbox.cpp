@@ -71,7 +71,7 @@ SoundSandbox::SoundSandbox(const std::string& mixerPlugin)
 }
 
 SoundSandbox::~SoundSandbox() {
-    stopPulse();
+    m_pulse.stop();
     for (const auto& [name, value] : m_savedEnv) {
         if (value == "\x01")
             unsetenv(name.c_str());
@@ -115,10 +115,6 @@ bool SoundSandbox::startPulse(std::string* error) {
     *error = "pulseaudio did not answer: " + std::string(std::istreambuf_iterator<char>(log), {});
     m_pulse.stop();
     return false;
-}
-
-void SoundSandbox::stopPulse() {
-    m_pulse.stop();
 }
 
 void SoundSandbox::killPulse() {

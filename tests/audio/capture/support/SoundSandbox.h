@@ -29,10 +29,8 @@ public:
     // Starts PulseAudio with a null sink; false with `error` filled when the
     // server does not come up.
     bool startPulse(std::string* error);
-    void stopPulse();
     // Kills the server at once, as a crash would.
     void killPulse();
-    bool pulseRunning() { return m_pulse.running(); }
 
     // Runs pactl against the private server; returns its output, `ok` tells
     // whether it exited with 0.
