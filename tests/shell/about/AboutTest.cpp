@@ -203,17 +203,13 @@ TEST_F(AboutTest, MainWindowTakesNoInputWhileTheBoxIsOpen) {
     }
 }
 
-TEST_F(AboutTest, LinksOpenWithTheDesktopsOpenAction) {
+TEST_F(AboutTest, LinksOpenOnTheDesktopAndTheComponentVersionsShow) {
     std::unique_ptr<frmAbout> box(makeBox());
     box->Label1()->linkActivated(QString::fromLatin1(frmAbout::kProductPage));
     box->Label2()->linkActivated(QString::fromLatin1(frmAbout::kAuthorPage));
     EXPECT_EQ(opened, (QStringList{QString::fromLatin1(frmAbout::kProductPage),
                                    QString::fromLatin1(frmAbout::kAuthorPage)}));
-    EXPECT_TRUE(box->Label1()->text().contains(QString::fromLatin1(frmAbout::kProductPage)));
-}
 
-TEST_F(AboutTest, ShowsTheComponentVersions) {
-    std::unique_ptr<frmAbout> box(makeBox());
     const QString text = box->versionsLabel()->text();
     EXPECT_TRUE(text.contains(QStringLiteral(QT_VERSION_STR))) << text.toStdString();
     EXPECT_TRUE(text.contains(QStringLiteral("libavformat "))) << text.toStdString();

@@ -1,13 +1,45 @@
 #pragma once
-// A capture control that lists devices from a table, records every call and
-// finishes captures when the test says so.
+// Fakes of the camera's platform pieces: an analogue input that logs what it
+// is handed, and a capture control that lists devices from a table, records
+// every call and finishes captures when the test says so.
 
+#include "shell/camera/AnalogueInput.h"
 #include "shell/camera/CameraControl.h"
 
 #include <QMap>
 #include <QStringList>
+#include <vector>
 
 namespace mirabend::test {
+
+struct AnalogueLog {
+    std::vector<std::uint64_t> standards;
+    std::vector<bool> mutes;
+};
+
+// A device that accepts the standards in its mask; the log outlives it.
+class FakeAnalogueInput final : public AnalogueInput {
+public:
+    FakeAnalogueInput(std::uint64_t standards, bool mute, AnalogueLog& log)
+        : m_standards(standards)
+        , m_mute(mute)
+        , m_log(log) {}
+    std::uint64_t supportedStandards() const override { return m_standards; }
+    bool setStandard(std::uint64_t standard) override {
+        m_log.standards.push_back(standard);
+        return true;
+    }
+    bool hasMute() const override { return m_mute; }
+    bool setMute(bool muted) override {
+        m_log.mutes.push_back(muted);
+        return true;
+    }
+
+private:
+    std::uint64_t m_standards;
+    bool m_mute;
+    AnalogueLog& m_log;
+};
 
 class FakeCameraControl final : public CameraControl {
 public:

@@ -113,7 +113,7 @@ protected:
     CanvasView* canvas = nullptr;
 };
 
-TEST_F(WhiteboardStage, TheCanvasFillsItsPaneInEveryModeAndRotationAndKeepsItsDrawing) {
+TEST_F(WhiteboardStage, TheCanvasFillsItsPaneInEveryModeKeepsItsDrawingAndTheFiltersReachIt) {
     QWidget* parentPic = window->context().stage->parentPic();
     ASSERT_EQ(canvas->parentWidget(), parentPic);
     EXPECT_EQ(window->focusWidget(), canvas) << "after \"draw\" the tool keys reach the canvas";
@@ -136,9 +136,8 @@ TEST_F(WhiteboardStage, TheCanvasFillsItsPaneInEveryModeAndRotationAndKeepsItsDr
         EXPECT_GE(board->editor().surface().image().width(), parentPic->width());
     }
     EXPECT_GE(checked, 4);
-}
 
-TEST_F(WhiteboardStage, TheDrawBarListsTheFiltersAndBothWaysOfFilteringUseThem) {
+    // The draw bar lists the filters; its button and the filter tool use them.
     DrawPanel* panel = board->panel();
     QComboBox* list = panel->filters();
     ASSERT_EQ(list->count(), static_cast<int>(imageFilters().size()));
