@@ -30,15 +30,9 @@ while [ $# -gt 0 ]; do
     *) echo "unknown option $1" >&2; exit 2 ;;
   esac
 done
-work=$(mktemp -d)
-pids=()
-cleanup() { for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done; rm -rf "$work"; }
-trap cleanup EXIT
-
-Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp +extension MIT-SHM 3>"$work/display" 2>/dev/null &
-pids+=($!)
-for _ in $(seq 100); do [ -s "$work/display" ] && break; sleep 0.05; done
-export DISPLAY=:$(head -1 "$work/display")
+XVFB_SCREEN=1920x1080x24
+# shellcheck source=../private_xvfb.sh
+source "$(dirname "$0")/../private_xvfb.sh"
 mkdir -p "$work/run" "$work/home"
 PULSE_RUNTIME_PATH="$work/run" XDG_RUNTIME_DIR="$work/run" HOME="$work/home" PULSE_SERVER="unix:$work/run/native" \
   DBUS_SESSION_BUS_ADDRESS="unix:path=$work/no-bus" \
