@@ -27,8 +27,9 @@ TEST(RowBandsTest, ChangedRowsArePaddedAlignedClampedAndMerged) {
         {"at the top", {{0, 3}}, {{0, 16}}},
         {"at the bottom of an odd height", {{235, 4}}, {{224, 15}}},
         {"close together merge", {{10, 2}, {40, 2}}, {{0, 56}}},
-        {"far apart stay apart", {{10, 2}, {150, 2}}, {{0, 24}, {136, 24}}},
-        {"overlapping, out of order", {{60, 20}, {50, 20}}, {{40, 48}}},
+        {"far apart stay apart", {{10, 2}, {150, 2}}, {{0, 24}, {136, 32}}},
+        {"overlapping, out of order", {{60, 20}, {50, 20}}, {{40, 56}}},
+        {"on aligned rows", {{88, 32}}, {{72, 64}}},
         {"wholly outside the picture", {{500, 16}, {-40, 10}}, {}},
         {"partly above the picture", {{-5, 10}}, {{0, 16}}},
     };
@@ -59,6 +60,7 @@ TEST(RowBandsTest, ConvertingChangedBandsEqualsConvertingTheWholePicture) {
     constexpr int h = 240;
     const Case cases[] = {
         {"wmv2", "yuv420p", {{101, 13}}},
+        {"wmv2", "yuv420p", {{88, 32}}},
         {"wmv2", "yuv420p", {{0, 5}, {230, 10}}},
         {"msvideo1", "rgb555le", {{37, 50}}},
     };
