@@ -177,6 +177,12 @@ std::shared_ptr<const OverlayPainter::Prepared> OverlayPainter::current() const 
 }
 
 void OverlayPainter::refreshDate(const Prepared& prepared, const QDateTime& now) {
+    // The formats show whole seconds at most: within the same second the
+    // text stays, and formatting it on every frame is not free.
+    const qint64 second = now.toSecsSinceEpoch();
+    if (m_dateGeneration == prepared.generation && second == m_dateSecond)
+        return;
+    m_dateSecond = second;
     const QString text = formatOverlayDate(prepared.dateFormat, now);
     if (m_dateGeneration == prepared.generation && text == m_dateText)
         return;

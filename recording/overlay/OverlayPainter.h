@@ -90,6 +90,7 @@ private:
     std::mutex m_paintMutex;            // guards the date stamp cache below
     std::uint64_t m_dateGeneration = 0; // prepared state the cache was rendered for
     std::uint64_t m_dateSerial = 0;     // counts the date stamp's renders
+    qint64 m_dateSecond = 0;            // the second m_dateText was formatted for
     QString m_dateText;
     QImage m_dateImage;
     QPoint m_datePosition;
