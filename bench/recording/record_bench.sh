@@ -117,6 +117,8 @@ if [ "$profile" = 1 ]; then
       done
     done
     profile_case $what 1280x720 30 mkv damage --date-format 0 --text "Mirabend bench"
+    # The date with its seconds: the stamp's rows change once a second.
+    [ $what = still ] && profile_case "$what seconds" 1280x720 30 mkv damage --date-format 4 --text "Mirabend bench"
   done
   exit 0
 fi
@@ -134,6 +136,8 @@ for size in 1920x1080 1280x720; do
     run_case "still flv1 $size@$fps" still $size $fps flv "--video-bitrate 3512000" 3 -c:v flv -b:v 3512k -g $fps
   done
 done
+# A date stamp with its seconds and a text, as teachers record (ffmpeg draws none).
+run_case "still stamp h264 1280x720@30" still 1280x720 30 mkv "--date-format 7 --text Lecture" 5 $h264 -g 30
 show motion
 run_case "motion h264 1920x1080@30" motion 1920x1080 30 mkv "" 5 $h264 -g 30
 run_case "motion h264 1280x720@24" motion 1280x720 24 mkv "" 5 $h264 -g 24

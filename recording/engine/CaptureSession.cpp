@@ -1,11 +1,11 @@
 #include "recording/engine/CaptureSession.h"
 
 #include "recording/engine/FrameRepeater.h"
+#include "recording/engine/StampedGrabs.h"
 #include "recording/repair/RecordingJournal.h"
 
 #include <QDateTime>
 #include <QGuiApplication>
-#include <QImage>
 #include <chrono>
 
 namespace mirabend {
@@ -205,15 +205,12 @@ void CaptureSession::videoCaptureLoop()
     FrameGrid grid(m_plan.fpsNum, m_plan.fpsDen);
     const bool canPaint = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
     const bool scaled = !m_videoEncoder.convertsRows();
-    bool overlaid = false; // the last recorded picture carries an overlay
+    StampedGrabs stamps(m_screenWidth, m_screenHeight, !m_screen->grabsWholePictures());
     int epoch = 0;
     while (!m_ending) {
-        // An overlay draws on the whole picture, and the picture after it
-        // must be whole again to wipe it off.
         const bool overlay = canPaint && m_overlay->active();
-        const ScreenSource::Want want = overlay || overlaid ? ScreenSource::Want::Whole
-                                        : scaled            ? ScreenSource::Want::WholeOnChange
-                                                            : ScreenSource::Want::Changes;
+        const ScreenSource::Want want = stamps.want(
+            overlay, scaled ? ScreenSource::Want::WholeOnChange : ScreenSource::Want::Changes);
         ScreenGrab grab;
         int ret = 0;
         {
@@ -254,11 +251,13 @@ void CaptureSession::videoCaptureLoop()
             ++m_framesDropped;
             continue;
         }
-        if (overlay && grab.whole(m_screenHeight) && av_packet_make_writable(grab.pixels.get()) >= 0) {
+        if (overlay) {
             StageProfile::Scope scope(m_profile, StageProfile::Overlay);
-            QImage picture(grab.pixels->data, m_screenWidth, m_screenHeight, m_screenWidth * 4,
-                           QImage::Format_RGB32);
-            m_overlay->paint(picture, QDateTime::currentDateTime());
+            if (!stamps.stamp(grab, *m_overlay, QDateTime::currentDateTime(), scaled)) {
+                m_screen->unread(grab);
+                ++m_framesDropped;
+                continue;
+            }
         }
         const std::vector<RowBand> bands = grab.bands;
         if (!m_videoQueue.tryPush(VideoItem{std::move(grab.pixels), std::move(grab.bands), *slot})) {
@@ -268,7 +267,7 @@ void CaptureSession::videoCaptureLoop()
             ++m_framesDropped;
             continue;
         }
-        overlaid = overlay;
+        stamps.recorded(overlay);
     }
     m_videoQueue.close();
 }

@@ -32,7 +32,8 @@ public:
         return m_settings;
     }
     bool active() const { return m_painter.active(); }
-    void paint(QImage& frame, const QDateTime& now) { m_painter.paint(frame, now); }
+    void paint(QImage& frame, const QDateTime& now, int top = 0) { m_painter.paint(frame, now, top); }
+    OverlayFootprint footprint(const QDateTime& now) { return m_painter.footprint(now); }
 
 private:
     mutable std::mutex m_mutex;

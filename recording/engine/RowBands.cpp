@@ -4,27 +4,12 @@
 
 namespace mirabend {
 
-std::vector<RowBand> padBands(std::vector<RowBand> changed, int pictureHeight, int joinGap) {
+std::vector<RowBand> joinBands(std::vector<RowBand> bands, int joinGap) {
+    bands.erase(std::remove_if(bands.begin(), bands.end(), [](const RowBand& b) { return b.height <= 0; }),
+                bands.end());
+    std::sort(bands.begin(), bands.end(), [](const RowBand& a, const RowBand& b) { return a.top < b.top; });
     std::vector<RowBand> out;
-    for (RowBand& b : changed) {
-        int top = std::max(0, b.top);
-        int bottom = std::min(pictureHeight, b.bottom());
-        if (bottom <= top) {
-            b.height = 0; // wholly outside the picture
-            continue;
-        }
-        top = top / kRowAlign * kRowAlign - kRowMargin;
-        bottom = (bottom + kRowAlign - 1) / kRowAlign * kRowAlign + kRowMargin;
-        top = std::max(0, top);
-        bottom = std::min(pictureHeight, bottom);
-        b = {top, bottom - top};
-    }
-    changed.erase(
-        std::remove_if(changed.begin(), changed.end(), [](const RowBand& b) { return b.height <= 0; }),
-        changed.end());
-    std::sort(changed.begin(), changed.end(),
-              [](const RowBand& a, const RowBand& b) { return a.top < b.top; });
-    for (const RowBand& b : changed) {
+    for (const RowBand& b : bands) {
         if (!out.empty() && b.top <= out.back().bottom() + joinGap) {
             out.back().height = std::max(out.back().bottom(), b.bottom()) - out.back().top;
             continue;
@@ -32,6 +17,25 @@ std::vector<RowBand> padBands(std::vector<RowBand> changed, int pictureHeight, i
         out.push_back(b);
     }
     return out;
+}
+
+std::vector<RowBand> padBands(std::vector<RowBand> changed, int pictureHeight, int joinGap) {
+    for (RowBand& b : changed) {
+        int top = std::max(0, b.top);
+        int bottom = std::min(pictureHeight, b.bottom());
+        if (bottom <= top) {
+            b.height = 0; // wholly outside the picture
+            continue;
+        }
+        // One row more each way first: a change ending on an aligned row
+        // still reaches the chroma row that straddles the boundary.
+        top = std::max(0, top - 1) / kRowAlign * kRowAlign - kRowMargin;
+        bottom = (bottom + kRowAlign) / kRowAlign * kRowAlign + kRowMargin;
+        top = std::max(0, top);
+        bottom = std::min(pictureHeight, bottom);
+        b = {top, bottom - top};
+    }
+    return joinBands(std::move(changed), joinGap);
 }
 
 RowBand innerRows(const RowBand& band, int pictureHeight) {

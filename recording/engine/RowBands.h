@@ -27,6 +27,10 @@ constexpr int kRowMargin = 8;
 // lie closer than `joinGap` rows, top to bottom.
 std::vector<RowBand> padBands(std::vector<RowBand> changed, int pictureHeight, int joinGap = 32);
 
+// Bands merged where they overlap or lie closer than `joinGap` rows, top
+// to bottom; empty ones dropped.
+std::vector<RowBand> joinBands(std::vector<RowBand> bands, int joinGap = 32);
+
 // The rows of a padded band that the converter writes back: the band less
 // its margins, except at the picture's top and bottom.
 RowBand innerRows(const RowBand& band, int pictureHeight);

@@ -50,6 +50,8 @@ public:
     virtual int height() const = 0;
     // "damage" or "x11grab".
     virtual const char* name() const = 0;
+    // Whether every grab is the whole picture, whatever is asked.
+    virtual bool grabsWholePictures() const { return false; }
     // Waits for the next frame time and grabs. Returns 0, AVERROR(EAGAIN)
     // to be called again, or an error when the screen or window cannot be
     // read any more.

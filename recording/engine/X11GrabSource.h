@@ -17,6 +17,7 @@ public:
     int width() const override { return m_width; }
     int height() const override { return m_height; }
     const char* name() const override { return "x11grab"; }
+    bool grabsWholePictures() const override { return true; }
     int read(ScreenGrab& grab, Want want) override;
     void unread(const ScreenGrab&) override {}
     void interrupt() override { m_input.interrupt(); }

@@ -176,32 +176,64 @@ std::shared_ptr<const OverlayPainter::Prepared> OverlayPainter::current() const 
     return m_prepared;
 }
 
-void OverlayPainter::paint(QImage& frame, const QDateTime& now) {
+void OverlayPainter::refreshDate(const Prepared& prepared, const QDateTime& now) {
+    // The formats show whole seconds at most: within the same second the
+    // text stays, and formatting it on every frame is not free.
+    const qint64 second = now.toSecsSinceEpoch();
+    if (m_dateGeneration == prepared.generation && second == m_dateSecond)
+        return;
+    m_dateSecond = second;
+    const QString text = formatOverlayDate(prepared.dateFormat, now);
+    if (m_dateGeneration == prepared.generation && text == m_dateText)
+        return;
+    TextLook look;
+    look.fill = solid(prepared.settings.dateColor);
+    RenderedText stamp = renderOverlayText({text}, prepared.dateFont, look, prepared.dateOrigin);
+    m_dateImage = std::move(stamp.image);
+    m_datePosition = stamp.position;
+    m_dateText = text;
+    m_dateGeneration = prepared.generation;
+    ++m_dateSerial;
+}
+
+void OverlayPainter::paint(QImage& frame, const QDateTime& now, int top) {
     const auto prepared = current();
     if (!prepared || !prepared->active() || frame.isNull())
         return;
 
     std::lock_guard<std::mutex> lock(m_paintMutex);
     QPainter painter(&frame);
+    painter.translate(0, -top);
     // Back to front: the image, the text, the date/time stamp.
     if (!prepared->image.isNull())
         painter.drawImage(prepared->imagePosition, prepared->image);
     if (!prepared->text.image.isNull())
         painter.drawImage(prepared->text.position, prepared->text.image);
     if (prepared->showDate) {
-        const QString text = formatOverlayDate(prepared->dateFormat, now);
-        if (m_dateGeneration != prepared->generation || text != m_dateText) {
-            TextLook look;
-            look.fill = solid(prepared->settings.dateColor);
-            RenderedText stamp = renderOverlayText({text}, prepared->dateFont, look, prepared->dateOrigin);
-            m_dateImage = std::move(stamp.image);
-            m_datePosition = stamp.position;
-            m_dateText = text;
-            m_dateGeneration = prepared->generation;
-        }
+        refreshDate(*prepared, now);
         if (!m_dateImage.isNull())
             painter.drawImage(m_datePosition, m_dateImage);
     }
+}
+
+OverlayFootprint OverlayPainter::footprint(const QDateTime& now) {
+    OverlayFootprint out;
+    const auto prepared = current();
+    if (!prepared || !prepared->active())
+        return out;
+    out.generation = prepared->generation;
+    if (!prepared->image.isNull())
+        out.area |= QRect(prepared->imagePosition, prepared->image.size());
+    if (!prepared->text.image.isNull())
+        out.area |= QRect(prepared->text.position, prepared->text.image.size());
+    if (prepared->showDate) {
+        std::lock_guard<std::mutex> lock(m_paintMutex);
+        refreshDate(*prepared, now);
+        out.dateSerial = m_dateSerial;
+        if (!m_dateImage.isNull())
+            out.area |= QRect(m_datePosition, m_dateImage.size());
+    }
+    return out;
 }
 
 } // namespace mirabend

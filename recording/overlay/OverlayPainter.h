@@ -18,6 +18,7 @@
 #include <QDateTime>
 #include <QImage>
 #include <QPoint>
+#include <QRect>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -30,6 +31,18 @@ struct OverlayReport {
     QString dateFontFamily;               // the family actually drawn, after substitution
     QString textFontFamily;
     bool ok() const { return failures.empty(); }
+};
+
+// Where the overlays in force land on the frame and which drawing of them
+// that is: two footprints with the same generation and date serial draw
+// the very same pixels.
+struct OverlayFootprint {
+    QRect area; // frame pixels; empty when nothing is drawn
+    std::uint64_t generation = 0;
+    std::uint64_t dateSerial = 0;
+    bool sameDrawing(const OverlayFootprint& o) const {
+        return generation == o.generation && dateSerial == o.dateSerial;
+    }
 };
 
 class OverlayPainter {
@@ -57,17 +70,27 @@ public:
     // over non-const data and do not share that QImage, or QPainter paints a
     // private copy and the frame stays untouched. `now` is the time the
     // date/time stamp shows.
-    void paint(QImage& frame, const QDateTime& now);
+    // `top` says which picture row the frame's first row is, so the
+    // overlays can be drawn onto a band of rows alone.
+    void paint(QImage& frame, const QDateTime& now, int top = 0);
+
+    // What paint() at `now` draws where.
+    OverlayFootprint footprint(const QDateTime& now);
 
 private:
     struct Prepared;
     std::shared_ptr<const Prepared> current() const;
+    // Renders the date stamp again when its text or settings changed;
+    // m_paintMutex held.
+    void refreshDate(const Prepared& prepared, const QDateTime& now);
 
     mutable std::mutex m_mutex; // guards m_prepared
     std::shared_ptr<const Prepared> m_prepared;
 
     std::mutex m_paintMutex;            // guards the date stamp cache below
     std::uint64_t m_dateGeneration = 0; // prepared state the cache was rendered for
+    std::uint64_t m_dateSerial = 0;     // counts the date stamp's renders
+    qint64 m_dateSecond = 0;            // the second m_dateText was formatted for
     QString m_dateText;
     QImage m_dateImage;
     QPoint m_datePosition;

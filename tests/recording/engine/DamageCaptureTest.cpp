@@ -253,6 +253,11 @@ TEST(DamageCaptureTest, AStillScreenKeepsEveryFrameOnTheGridAcrossPausesAndShows
         r.FrameRate(fps);
         r.ZoomRectangle(0, 0, 320, 240);
         r.AudioEnabled(false);
+        // A white stamp low on the left: drawn onto changed rows alone.
+        r.TextColor(0xffffff);
+        r.TextFontSize(20);
+        r.Text(QString(3, QChar(0x2588)), 20, 190);
+        r.ShowText(true);
         ASSERT_TRUE(r.StartCapture()) << r.LastFailure().detail;
         ASSERT_EQ(r.CaptureBackendInUse().toStdString(), "damage");
         const auto recordFor = [&](double seconds) {
@@ -265,6 +270,7 @@ TEST(DamageCaptureTest, AStillScreenKeepsEveryFrameOnTheGridAcrossPausesAndShows
         r.ResumeCapture();
         recordFor(1.2);
         screen.fill(screen.root(), 200, 150, 60, 40, 0xffffff);
+        screen.fill(screen.root(), 0, 180, 150, 40, 0x000000); // regrabs the stamp's rows
         recordFor(2.0);
         r.StopCapture();
 
@@ -281,6 +287,7 @@ TEST(DamageCaptureTest, AStillScreenKeepsEveryFrameOnTheGridAcrossPausesAndShows
         };
         EXPECT_GT(test::brightestLuma(file, at(205), at(155), at(50), at(30), 1.8), 200);
         EXPECT_LT(test::brightestLuma(file, 0, 0, at(150), at(100), 1.8), 40);
+        EXPECT_GT(test::brightestLuma(file, at(25), at(200), at(40), at(10), 1.8), 200) << "the stamp";
     }
 }
 
