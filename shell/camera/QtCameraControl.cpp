@@ -190,6 +190,9 @@ void QtCameraControl::stopCamera() {
     m_camera.stop();
     if (m_session.camera())
         m_session.setCamera(nullptr);
+    // A frame of the run that ended must not pass for one of the next.
+    std::lock_guard<std::mutex> lock(m_frameMutex);
+    m_pendingFrame = QVideoFrame();
 }
 
 void QtCameraControl::restartCamera() {
