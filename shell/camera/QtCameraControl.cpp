@@ -157,7 +157,7 @@ void QtCameraControl::setTvMute(bool muted) {
 }
 
 void QtCameraControl::applyFormat(const QCameraFormat& format) {
-    // Every change relinks the running source in a pad probe: only real ones.
+    // Every change makes Qt relink the source in a pad probe: only real ones.
     if (!format.isNull() && !(m_camera.cameraFormat() == format))
         m_camera.setCameraFormat(format);
 }
