@@ -1,13 +1,12 @@
 #include "shell/camera/QtCameraControl.h"
 
-#include <algorithm>
-
 #include "shell/camera/CameraNames.h"
 
 #include <QCameraFormat>
 #include <QFileInfo>
 #include <QMediaFormat>
 #include <QUrl>
+#include <algorithm>
 
 namespace mirabend {
 
@@ -29,10 +28,10 @@ QStringList formatsOf(const QCameraDevice& device) {
 QtCameraControl::QtCameraControl(AnalogueInputOpener openAnalogue, QObject* parent)
     : CameraControl(parent)
     , m_openAnalogue(std::move(openAnalogue)) {
-    // The video output is connected before the camera is set: the other way
-    // round the GStreamer backend builds its pipeline without a sink.
+    // The video output is connected before the camera joins: the other way
+    // round the GStreamer backend builds its pipeline without a sink. The
+    // camera joins the session only while it runs (startCamera).
     m_session.setVideoSink(&m_sink);
-    m_session.setCamera(&m_camera);
     connect(&m_sink, &QVideoSink::videoFrameChanged, this, &QtCameraControl::onSinkFrame,
             Qt::DirectConnection);
     connect(&m_devices, &QMediaDevices::videoInputsChanged, this, &QtCameraControl::onDevicesChanged);
@@ -103,8 +102,7 @@ void QtCameraControl::useDevice(const QCameraDevice& device, const QString& form
     }
     m_formatName = chosen.isNull() ? QString() : nameOf(chosen);
     m_cameraFormat = chosen;
-    if (!chosen.isNull())
-        m_camera.setCameraFormat(chosen);
+    applyFormat(chosen);
     if (m_tvMute)
         setTvMute(true);
 }
@@ -114,7 +112,7 @@ void QtCameraControl::selectDevice(const QString& name) {
     if (device.isNull())
         return;
     const bool running = m_camera.isActive();
-    m_camera.stop();
+    stopCamera();
     m_lostDevice.clear();
     useDevice(device, QString());
     if (running)
@@ -124,12 +122,16 @@ void QtCameraControl::selectDevice(const QString& name) {
 void QtCameraControl::selectFormat(const QString& name) {
     for (const QCameraFormat& format : m_camera.cameraDevice().videoFormats()) {
         if (nameOf(format) == name) {
-            if (name == m_formatName && format == m_cameraFormat)
-                return; // in use already: no restart
+            if (name == m_formatName && format == m_cameraFormat) {
+                // In use already: restart only a camera that sends another size.
+                if (m_camera.isActive() && m_lastFrameSize.isValid() && !rightSize(m_lastFrameSize))
+                    restartCamera();
+                return;
+            }
             // Qt 6.4 relinks a running camera unreliably: restart it.
             const bool running = m_camera.isActive();
-            m_camera.stop();
-            m_camera.setCameraFormat(format);
+            stopCamera();
+            applyFormat(format);
             m_cameraFormat = format;
             m_formatName = name;
             if (running)
@@ -154,11 +156,27 @@ void QtCameraControl::setTvMute(bool muted) {
         applyMute(*input, muted);
 }
 
+void QtCameraControl::applyFormat(const QCameraFormat& format) {
+    // Every change makes Qt relink the source in a pad probe: only real ones.
+    if (!format.isNull() && !(m_camera.cameraFormat() == format))
+        m_camera.setCameraFormat(format);
+}
+
+bool QtCameraControl::rightSize(const QSize& size) const {
+    return m_cameraFormat.isNull() || size == m_cameraFormat.resolution();
+}
+
 void QtCameraControl::startCamera() {
     if (m_deviceName.isEmpty() || m_camera.isActive())
         return;
     ++m_cameraStarts;
     m_frameSinceStart = false;
+    m_rightFrameSinceStart = false;
+    m_restartedForSize = false;
+    m_lastFrameSize = QSize();
+    // Device and format are set while the source is out of the session, so
+    // it starts in the chosen format and Qt relinks nothing under a live pad.
+    m_session.setCamera(&m_camera);
     m_camera.start();
     // A busy machine can take longer than a camera's usual start: each retry
     // waits twice as long as the one before.
@@ -166,22 +184,58 @@ void QtCameraControl::startCamera() {
     m_startWatch.start();
 }
 
+void QtCameraControl::stopCamera() {
+    // QCamera::stop leaves Qt 6.4's source playing: only leaving the session
+    // stops it (to GStreamer's NULL state).
+    m_camera.stop();
+    if (m_session.camera())
+        m_session.setCamera(nullptr);
+    // A frame of the run that ended must not pass for one of the next.
+    std::lock_guard<std::mutex> lock(m_frameMutex);
+    m_pendingFrame = QVideoFrame();
+}
+
+void QtCameraControl::restartCamera() {
+    // Out of the session and in again: a new start of the source, which
+    // negotiates the chosen format afresh.
+    const bool restartedForSize = m_restartedForSize;
+    stopCamera();
+    startCamera();
+    m_restartedForSize = restartedForSize;
+}
+
 void QtCameraControl::onStartWatch() {
-    if (!m_camera.isActive() || m_deviceName.isEmpty() || capturing()) {
+    if (!m_camera.isActive() || m_deviceName.isEmpty() || m_recordingStarted) {
         m_startWatch.stop();
         return;
     }
     if (m_frameSinceStart) {
+        const bool right = m_rightFrameSinceStart;
         m_frameSinceStart = false;
-        m_silentStarts = 0;
+        m_rightFrameSinceStart = false;
+        if (right) {
+            m_silentStarts = 0;
+        } else if (!m_restartedForSize) {
+            // Frames of another size all along: the source kept an old format.
+            restartCamera();
+            m_restartedForSize = true;
+        } else if (m_recordPending) {
+            finishCapture(
+                {CaptureError::RecorderFailed, QStringLiteral("the camera sends %1x%2 instead of %3")
+                                                   .arg(m_lastFrameSize.width())
+                                                   .arg(m_lastFrameSize.height())
+                                                   .arg(m_formatName)
+                                                   .toStdString()});
+        }
         return;
     }
     if (++m_silentStarts > kSilentStartRetries) {
         m_startWatch.stop(); // the pane stays empty, without a message
+        if (m_recordPending)
+            finishCapture({CaptureError::RecorderFailed, "the camera sends no picture"});
         return;
     }
-    m_camera.stop();
-    startCamera();
+    restartCamera();
 }
 
 void QtCameraControl::startPreview() {
@@ -192,7 +246,7 @@ void QtCameraControl::startPreview() {
 void QtCameraControl::stopPreview() {
     m_previewWanted = false;
     if (!capturing())
-        m_camera.stop();
+        stopCamera();
     Q_EMIT previewStopped();
 }
 
@@ -207,9 +261,11 @@ void QtCameraControl::onDevicesChanged() {
             m_lostDevice = m_deviceName;
             m_deviceName.clear();
             m_deviceId.clear();
-            m_camera.stop();
+            stopCamera();
             m_camera.setCameraDevice(QCameraDevice());
-            if (capturing())
+            if (m_recordPending)
+                finishCapture({CaptureError::NoCamera, "the camera was unplugged"});
+            else if (capturing())
                 m_recorder.stop();
             Q_EMIT previewStopped();
         } else {
@@ -228,7 +284,7 @@ void QtCameraControl::onDevicesChanged() {
 
 void QtCameraControl::takeUp(const QCameraDevice& device) {
     const bool running = m_camera.isActive() || m_previewWanted;
-    m_camera.stop();
+    stopCamera();
     useDevice(device, m_formatName);
     m_lostDevice.clear();
     if (running)
@@ -257,6 +313,12 @@ void QtCameraControl::deliverFrame() {
     }
     if (frame.isValid() && m_camera.isActive() && !m_deviceName.isEmpty()) {
         m_frameSinceStart = true;
+        m_lastFrameSize = frame.size();
+        if (rightSize(frame.size())) {
+            m_rightFrameSinceStart = true;
+            if (m_recordPending)
+                beginRecording();
+        }
         Q_EMIT frameReady(frame);
     }
 }
@@ -270,31 +332,51 @@ void QtCameraControl::startCapture(const QString& file, int milliseconds) {
     }
     QFile::remove(file);
     m_captureFile = file;
-    // The recorder joins the session only for the capture, with the camera
-    // stopped: otherwise Qt 6.4 may run the camera in another of its formats.
-    m_camera.stop();
+    m_captureMs = milliseconds;
+    m_recordPending = true;
+    m_recordingStarted = false;
+    // The recorder joins the session only for the capture.
     m_session.setRecorder(&m_recorder);
     // VP8 in WebM: the encoder every GStreamer installation ships with.
     QMediaFormat format(QMediaFormat::WebM);
     format.setVideoCodec(QMediaFormat::VideoCodec::VP8);
     m_recorder.setMediaFormat(format);
     m_recorder.setQuality(QMediaRecorder::NormalQuality);
-    // Without these the recorder may renegotiate the camera to another of
-    // its formats.
     if (!m_cameraFormat.isNull()) {
         m_recorder.setVideoResolution(m_cameraFormat.resolution());
         m_recorder.setVideoFrameRate(m_cameraFormat.maxFrameRate());
     }
-    m_camera.setCameraFormat(m_cameraFormat);
-    startCamera();
     m_recorder.setOutputLocation(QUrl::fromLocalFile(file));
+    applyFormat(m_cameraFormat);
+    // The first frame of the chosen size starts the recorder (beginRecording);
+    // the start watch restarts a silent camera or one of another size.
+    if (!m_camera.isActive()) {
+        startCamera();
+    } else if (!m_startWatch.isActive()) {
+        m_silentStarts = 0;
+        m_startWatch.setInterval(kSilentStartMs);
+        m_startWatch.start();
+    }
+}
+
+void QtCameraControl::beginRecording() {
+    m_recordPending = false;
+    m_startWatch.stop(); // a restart now would break the recording
     m_recorder.record();
-    m_captureTimer.start(milliseconds);
+    m_captureTimer.start(m_captureMs);
 }
 
 void QtCameraControl::onRecorderState(QMediaRecorder::RecorderState state) {
-    if (state != QMediaRecorder::StoppedState || !capturing())
+    if (state == QMediaRecorder::RecordingState)
+        m_recordingStarted = true;
+    if (state != QMediaRecorder::StoppedState || !capturing() || m_recordPending)
         return;
+    if (!m_recordingStarted) {
+        const QString why = m_recorder.errorString();
+        finishCapture({CaptureError::RecorderFailed,
+                       why.isEmpty() ? "the recorder stopped before it started" : why.toStdString()});
+        return;
+    }
     const QString written = m_recorder.actualLocation().toLocalFile();
     const QString file = written.isEmpty() ? m_captureFile : written;
     if (!QFileInfo(file).isFile() || QFileInfo(file).size() == 0)
@@ -308,10 +390,12 @@ void QtCameraControl::finishCapture(CaptureFailure result) {
         return;
     const QString file = m_captureFile;
     m_captureFile.clear();
+    m_recordPending = false;
+    m_recordingStarted = false;
     m_captureTimer.stop();
     if (m_recorder.recorderState() != QMediaRecorder::StoppedState)
         m_recorder.stop();
-    m_camera.stop();
+    stopCamera();
     m_session.setRecorder(nullptr);
     if (m_previewWanted)
         startCamera();

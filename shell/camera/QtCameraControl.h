@@ -9,6 +9,14 @@
 // device of the same name comes back it is taken up again, and the preview
 // restarts if it ran.
 //
+// Qt 6.4's GStreamer session keeps its camera source playing whatever
+// QCamera::start/stop say, and relinks it in a pad probe on every format or
+// device change. So the control changes the format only when it differs,
+// restarts a camera by building its source anew, checks that the frames have
+// the chosen format's size (restarting once when they do not), and starts the
+// capture test's recorder only once frames of the chosen size flow: the
+// recorder fixes its size from the frames flowing when it starts.
+//
 // Thread contract: UI thread only. The video sink may deliver frames on a
 // media thread; they pass through a one-frame slot (a newer frame replaces an
 // unshown one, counted in droppedFrames) and reach frameReady on the UI thread.
@@ -65,6 +73,11 @@ private:
     void onStartWatch();
     void deliverFrame();
     void startCamera();
+    void stopCamera();
+    void restartCamera();
+    void applyFormat(const QCameraFormat& format);
+    bool rightSize(const QSize& size) const;
+    void beginRecording();
     void finishCapture(CaptureFailure result);
     void onRecorderState(QMediaRecorder::RecorderState state);
 
@@ -81,12 +94,20 @@ private:
     QTimer m_startWatch;
     int m_silentStarts = 0;
     bool m_frameSinceStart = false;
+    // Frames of the chosen size since the last check, and whether the camera
+    // was already restarted for sending another size.
+    bool m_rightFrameSinceStart = false;
+    bool m_restartedForSize = false;
+    QSize m_lastFrameSize;
     QString m_deviceName;
     QByteArray m_deviceId;
     QString m_formatName;
     QCameraFormat m_cameraFormat;
     QString m_lostDevice; // the device that was unplugged while in use
     QString m_captureFile;
+    int m_captureMs = 0;
+    bool m_recordPending = false; // capture asked, waiting for frames of the chosen size
+    bool m_recordingStarted = false;
     bool m_previewWanted = false;
     bool m_tvMute = false;
     int m_cameraStarts = 0;

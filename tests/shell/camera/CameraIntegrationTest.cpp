@@ -92,7 +92,14 @@ TEST_F(CameraIntegration, TheCaptureTestWritesFiveSecondsThatReadBack) {
                          result = r;
                          written = f;
                      });
+    // The format changes under a running preview, and the capture starts
+    // straight after the preview stops: it still records the chosen format.
+    int frames = 0;
+    QObject::connect(&control, &CameraControl::frameReady, [&](const QVideoFrame&) { ++frames; });
+    control.startPreview();
+    ASSERT_TRUE(waitFor([&] { return frames > 0; }, 60000));
     control.selectFormat("320x240 I420 15 fps");
+    control.stopPreview();
     control.startCapture(file, CameraPane::kCaptureTestMs);
     ASSERT_TRUE(waitFor([&] { return finished; }, 60000));
     ASSERT_FALSE(result) << result.detail;
@@ -115,12 +122,17 @@ TEST_F(CameraIntegration, ACameraPluggedInLaterIsTakenUp) {
     EXPECT_TRUE(control.device().isEmpty());
     EXPECT_TRUE(control.deviceNames().isEmpty());
     int frames = 0;
-    QObject::connect(&control, &CameraControl::frameReady, [&](const QVideoFrame&) { ++frames; });
+    QSize size;
+    QObject::connect(&control, &CameraControl::frameReady, [&](const QVideoFrame& f) {
+        ++frames;
+        size = f.size();
+    });
     control.startPreview();
     TestCameras::instance().plug(true);
     ASSERT_TRUE(waitFor([&] { return control.device() == TestCameras::kName; }));
     EXPECT_EQ(control.format(), "640x480 YUY2 30 fps");
-    EXPECT_TRUE(waitFor([&] { return frames > 3; })) << "the preview asked for before did not start";
+    EXPECT_TRUE(waitFor([&] { return frames > 3 && size == QSize(640, 480); }, 60000))
+        << "the preview asked for before did not start in the format it reports";
 }
 
 TEST_F(CameraIntegration, UnpluggedCameraLeavesThePaneAndComesBack) {
