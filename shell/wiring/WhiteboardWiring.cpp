@@ -4,18 +4,14 @@
 #include "shell/PaneSwitcher.h"
 #include "shell/Stage.h"
 #include "util/ExplorerBar.h"
-#include "whiteboard/ui/Whiteboard.h"
-
-#ifdef MIRABEND_HAVE_WHITEBOARD_FILTERS
 #include "whiteboard/filters/ImageFilters.h"
-#endif
+#include "whiteboard/ui/Whiteboard.h"
 
 namespace mirabend {
 
 namespace {
 
 void attachFilters(Whiteboard& board) {
-#ifdef MIRABEND_HAVE_WHITEBOARD_FILTERS
     std::vector<FilterChoice> choices;
     for (const ImageFilter& filter : imageFilters())
         choices.push_back({filter.number, filter.name, filter.toolTip});
@@ -23,9 +19,6 @@ void attachFilters(Whiteboard& board) {
                         QRect area) { applyFilter(target, number, fore, fill, area); },
                      std::move(choices));
     board.editor().setFilterBrushSize([](int penWidth) { return filterBrushSize(penWidth); });
-#else
-    (void)board;
-#endif
 }
 
 } // namespace
