@@ -25,6 +25,18 @@
 namespace mirabend::test {
 namespace {
 
+// Counts the frames a control hands out and keeps the last one's size.
+struct FrameWatch {
+    explicit FrameWatch(CameraControl& control) {
+        QObject::connect(&control, &CameraControl::frameReady, [this](const QVideoFrame& f) {
+            ++frames;
+            size = f.size();
+        });
+    }
+    int frames = 0;
+    QSize size;
+};
+
 class CameraIntegration : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -65,12 +77,9 @@ TEST_F(CameraIntegration, ListsSelectsAndHandsTheStandardToTheDevice) {
     EXPECT_EQ(opened.value(0), TestCameras::kName);
 
     // Frames flow at the chosen format's size; a format change restarts.
-    int frames = 0;
-    QSize size;
-    QObject::connect(&control, &CameraControl::frameReady, [&](const QVideoFrame& f) {
-        ++frames;
-        size = f.size();
-    });
+    FrameWatch watch(control);
+    int& frames = watch.frames;
+    const QSize& size = watch.size;
     control.startPreview();
     ASSERT_TRUE(waitFor([&] { return frames > 3; })) << "no frames from the test camera";
     EXPECT_EQ(size, QSize(640, 480));
@@ -121,12 +130,9 @@ TEST_F(CameraIntegration, ACameraPluggedInLaterIsTakenUp) {
     QtCameraControl control(nullptr);
     EXPECT_TRUE(control.device().isEmpty());
     EXPECT_TRUE(control.deviceNames().isEmpty());
-    int frames = 0;
-    QSize size;
-    QObject::connect(&control, &CameraControl::frameReady, [&](const QVideoFrame& f) {
-        ++frames;
-        size = f.size();
-    });
+    FrameWatch watch(control);
+    int& frames = watch.frames;
+    const QSize& size = watch.size;
     control.startPreview();
     TestCameras::instance().plug(true);
     ASSERT_TRUE(waitFor([&] { return control.device() == TestCameras::kName; }));
